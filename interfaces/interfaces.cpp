@@ -1,0 +1,2 @@
+// Anchor for the meta-object code of the interface headers listed beside it.
+#include "cwkeycontrolabstract.h"
