@@ -1,0 +1,45 @@
+#include "devicewatcher.h"
+
+#include <windows.h>
+
+#include <dbt.h>
+
+// Windows announces every change of its device tree with WM_DEVICECHANGE /
+// DBT_DEVNODES_CHANGED to all top-level windows; the plug-in's native event
+// filter sees them and asks isDeviceTreeChange(). No device-interface
+// notification is registered, so the watcher object has nothing to do.
+
+struct DeviceWatcher::Private
+{
+};
+
+DeviceWatcher::DeviceWatcher(const QByteArray &subsystem, QObject *parent)
+    : QObject(parent)
+    , d(new Private)
+{
+    Q_UNUSED(subsystem)
+}
+
+DeviceWatcher::~DeviceWatcher() = default;
+
+bool DeviceWatcher::isActive() const
+{
+    return false;
+}
+
+QString DeviceWatcher::source() const
+{
+    return QString();
+}
+
+QString DeviceWatcher::errorString() const
+{
+    return QStringLiteral("device changes arrive as window messages");
+}
+
+bool DeviceWatcher::isDeviceTreeChange(const QByteArray &eventType, void *message)
+{
+    Q_UNUSED(eventType)
+    const MSG *msg = static_cast<const MSG *>(message);
+    return msg && msg->message == WM_DEVICECHANGE && msg->wParam == DBT_DEVNODES_CHANGED;
+}
