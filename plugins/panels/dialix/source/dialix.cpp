@@ -1,0 +1,189 @@
+#include "plugins/panels/dialix/source/dialix.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+#include <chrono>
+
+namespace {
+
+constexpr int SwitchBits = 24;
+constexpr int FirstDialButtonBit = 15;
+constexpr int PttBit = 19;
+constexpr int DashBit = 20;
+constexpr int DotBit = 21;
+constexpr int FirstDialByte = 13;
+constexpr int DialCount = 4;
+
+} // namespace
+
+Dialix::Dialix(QObject *parent)
+    : QThread(parent)
+{ }
+
+Dialix::~Dialix()
+{
+    if (running.load())
+        closeDevice();
+    hid_free_enumeration(deviceInfo);
+    deviceInfo = nullptr;
+}
+
+void Dialix::findDevices()
+{
+    hid_free_enumeration(deviceInfo);
+    deviceList.clear();
+    deviceInfo = hid_enumerate(VendorId, ProductId);
+    for (hid_device_info *info = deviceInfo; info; info = info->next)
+        deviceList.append(info);
+}
+
+bool Dialix::openDevice()
+{
+    if (deviceList.isEmpty() || running.load())
+        return false;
+    hid_device *opened = hid_open(VendorId, ProductId, deviceList.first()->serial_number);
+    if (!opened)
+        return false;
+    handle = opened;
+    running.exchange(true);
+    start(QThread::InheritPriority);
+    return true;
+}
+
+void Dialix::setLed(int bit, bool on)
+{
+    if (!running.load() || bit < 0 || bit > 7)
+        return;
+    const auto mask = static_cast<unsigned char>(1u << bit);
+    if (on)
+        ledReport[1] |= mask;
+    else
+        ledReport[1] &= static_cast<unsigned char>(~mask);
+    pushReport(QByteArray(reinterpret_cast<const char *>(ledReport), LedReportSize));
+}
+
+void Dialix::pushReport(const QByteArray &bytes)
+{
+    {
+        std::lock_guard<std::mutex> lock(queueMutex);
+        writeQueue.enqueue(bytes);
+    }
+    queueCondition.notify_one();
+}
+
+bool Dialix::popReport(QByteArray &out, int limitMs)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(limitMs);
+    std::unique_lock<std::mutex> lock(queueMutex);
+    while (writeQueue.isEmpty()) {
+        if (queueCondition.wait_until(lock, deadline) == std::cv_status::timeout)
+            break;
+    }
+    if (writeQueue.isEmpty())
+        return false;
+    out = writeQueue.dequeue();
+    return true;
+}
+
+qint32 Dialix::closeDevice()
+{
+    if (!running.load())
+        return NotOpen;
+
+    // Lamps off in a fixed order, one whole report per step.
+    for (const int bit : {LedVfoB, LedTransmit, LedReceiver2, LedDials, LedKeys}) {
+        ledReport[1] &= static_cast<unsigned char>(~(1u << bit));
+        pushReport(QByteArray(reinterpret_cast<const char *>(ledReport), LedReportSize));
+    }
+
+    // Give the reader time to write them while this thread keeps serving events.
+    QEventLoop loop;
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timer.start(CloseWaitMs);
+    loop.exec();
+
+    running.exchange(false);
+    wait();
+    hid_close(handle);
+    handle = nullptr;
+    return Closed;
+}
+
+void Dialix::processReport(const unsigned char *data, int length)
+{
+    if (!data || length != ReportSize)
+        return;
+
+    const quint32 switches = quint32(data[1]) | quint32(data[2]) << 8 | quint32(data[3]) << 16;
+    const quint32 changed = switches ^ previousSwitches;
+    for (int bit = 0; bit < SwitchBits; ++bit) {
+        if (!(changed & (1u << bit)))
+            continue;
+        const bool state = switches & (1u << bit);
+        if (bit < FirstDialButtonBit)
+            emit button(static_cast<Buttons>(bit), state);
+        else if (bit < PttBit)
+            emit dialButton(static_cast<DialButtons>(bit), state);
+        else if (bit == PttBit)
+            emit ptt(state);
+        else if (bit == DashBit)
+            emit dash(state);
+        else if (bit == DotBit)
+            emit dot(state);
+        // bits 22 and 23 carry no line; they are only remembered
+    }
+
+    for (int k = 0; k < DialCount; ++k) {
+        const int value = static_cast<signed char>(data[FirstDialByte + k]);
+        if (value != 0)
+            emit dial(static_cast<Dials>(k), value);
+    }
+
+    previousSwitches = switches;
+}
+
+void Dialix::waitForWrites(std::chrono::steady_clock::time_point deadline)
+{
+    // Sleeps until the deadline, but wakes at once for a queued report, which
+    // always goes out before the next read.
+    std::unique_lock<std::mutex> lock(queueMutex);
+    queueCondition.wait_until(lock, deadline, [this] { return !writeQueue.isEmpty(); });
+}
+
+void Dialix::run()
+{
+    using Clock = std::chrono::steady_clock;
+
+    while (running.load()) {
+        // Every queued report is written before the next read, in queue order.
+        for (;;) {
+            int pending = 0;
+            {
+                std::lock_guard<std::mutex> lock(queueMutex);
+                pending = writeQueue.size();
+            }
+            QByteArray report;
+            if (pending == 0 || !popReport(report, PopLimitMs))
+                break;
+            // A failed write drops the report; hidapi keeps the error text.
+            hid_write(handle, reinterpret_cast<const unsigned char *>(report.constData()),
+                      static_cast<size_t>(report.size()));
+        }
+        if (!running.load())
+            break;
+
+        const auto started = Clock::now();
+        const int got = hid_read_timeout(handle, inputBuffer, ReportSize, ReadTimeoutMs);
+        if (got == ReportSize) {
+            processReport(inputBuffer, got);
+        } else if (got < 0) {
+            // An unplugged panel fails every read at once. The error is ignored
+            // (the owner closes the panel), but the loop keeps its 5 ms pace
+            // instead of spinning on the failing handle.
+            waitForWrites(started + std::chrono::milliseconds(ReadTimeoutMs));
+        }
+    }
+}

@@ -1,0 +1,164 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QQueue>
+#include <QThread>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+#include <hidapi.h>
+
+// The Dialix USB control panel: 14 keys, four push-dials, a PTT input, CW paddle
+// contacts and five LEDs, seen through hidapi as one HID device.
+//
+// The object lives on its owner's (GUI) thread. findDevices(), openDevice(),
+// setLed() and closeDevice() are called there. While the panel is open, the
+// object's own thread (run()) does every read and write of the HID handle: it
+// writes the queued LED reports, reads the 17-byte input reports and emits one
+// signal per switch edge and per dial movement. Connect to the signals with
+// queued connections; the three enumerations must be registered meta-types
+// ("Dialix::Buttons", "Dialix::DialButtons", "Dialix::Dials") before that.
+//
+// Input report (17 bytes as read): bytes 1..3 hold the 24-bit switch word
+// (byte 1 = bits 0..7), bytes 13..16 the signed movement of dials 0..3.
+// LED report (2 bytes as written): 0x00, then the LED mask.
+class Dialix : public QThread
+{
+    Q_OBJECT
+
+public:
+    // Front-panel keys; the value is the bit number in the switch word.
+    enum Buttons {
+        Key0 = 0,
+        Key1,
+        Key2,
+        Key3,
+        Key4,
+        Key5,
+        Key6,
+        Key7,
+        Key8,
+        Key9,
+        Key10,
+        Key11,
+        Key12,
+        Key13,
+        Key14,
+    };
+    Q_ENUM(Buttons)
+
+    // Pushes on the dials; the value is the bit number in the switch word, so the
+    // first one is 15, not 0.
+    enum DialButtons {
+        KeyEnc0 = 15,
+        KeyEnc1,
+        KeyEnc2,
+        KeyEnc3,
+    };
+    Q_ENUM(DialButtons)
+
+    // Dials; the value is the dial index (its movement is in report byte 13 + index).
+    enum Dials {
+        Enc0 = 0,
+        Enc1,
+        Enc2,
+        Enc3,
+    };
+    Q_ENUM(Dials)
+
+    static constexpr unsigned short VendorId = 0x1FC9;
+    static constexpr unsigned short ProductId = 0x0003;
+    static constexpr int ReportSize = 17; // input report, as read
+    static constexpr int LedReportSize = 2; // output report: report id 0, LED mask
+    static constexpr int ReadTimeoutMs = 5; // longest wait for input per loop turn
+    static constexpr int PopLimitMs = 2; // longest wait for a queued LED report
+    static constexpr int CloseWaitMs = 10; // time given to the LED-off reports on close
+
+    // LED mask bits (bit numbers for setLed()).
+    enum LedBit {
+        LedVfoB = 0,
+        LedReceiver2 = 1,
+        LedTransmit = 2,
+        LedDials = 3,
+        LedKeys = 4,
+    };
+
+    // closeDevice() results.
+    static constexpr qint32 Closed = 0;
+    static constexpr qint32 NotOpen = 2;
+
+    explicit Dialix(QObject *parent = nullptr);
+    ~Dialix() override;
+
+    // Enumerates the panels (vendor 0x1FC9, product 0x0003) and keeps the list,
+    // giving back the previous one. Never touches an open handle.
+    void findDevices();
+
+    // Opens the first panel of the last enumeration (by its serial number) and
+    // starts the reader thread. Does nothing when the list is empty or the
+    // panel is already open. Returns whether the panel is open afterwards
+    // because of this call.
+    bool openDevice();
+
+    // Sets or clears LED bit `bit` (0..7) and queues the whole mask. Ignored
+    // while the panel is closed: the mask does not change then.
+    void setLed(int bit, bool on);
+
+    // Queues a report for the reader thread to write before its next read.
+    // Callable from any thread.
+    void pushReport(const QByteArray &bytes);
+
+    // Takes the oldest queued report into `out`, waiting up to `limitMs` for one.
+    // Returns false when none arrived in time.
+    bool popReport(QByteArray &out, int limitMs);
+
+    // Turns the LEDs off (five reports), lets the reader write them for 10 ms,
+    // stops the reader thread and closes the handle. Returns Closed (0), or
+    // NotOpen (2) without doing anything when the panel was not open. Never call
+    // it from the reader thread.
+    qint32 closeDevice();
+
+    // Decodes one read of `length` bytes and emits the signals of the changes
+    // against the previous switch word. Only a read of exactly ReportSize bytes
+    // is decoded; anything else is ignored. The reader thread calls it for
+    // every read; while the panel is closed it may be called on any one thread.
+    void processReport(const unsigned char *data, int length);
+
+    // True from a successful openDevice() until closeDevice().
+    bool isOpen() const { return running.load(); }
+    // The panels found by the last findDevices(), in hidapi's order.
+    const QList<hid_device_info *> &devices() const { return deviceList; }
+    // Head of the last enumeration's linked list (null when nothing was found).
+    const hid_device_info *enumeration() const { return deviceInfo; }
+    // The LED mask last queued (owner's thread only).
+    quint8 ledMask() const { return ledReport[1]; }
+
+signals:
+    void button(Dialix::Buttons button, bool state);
+    void dialButton(Dialix::DialButtons button, bool state);
+    void dial(Dialix::Dials dial, int value);
+    void ptt(bool state);
+    void dash(bool state);
+    void dot(bool state);
+
+protected:
+    void run() override;
+
+private:
+    void waitForWrites(std::chrono::steady_clock::time_point deadline);
+
+    QList<hid_device_info *> deviceList;
+    hid_device_info *deviceInfo = nullptr;
+    hid_device *handle = nullptr;
+    std::atomic<bool> running {false};
+    quint32 previousSwitches = 0;
+    unsigned char inputBuffer[ReportSize] = {};
+    unsigned char ledReport[LedReportSize] = {};
+    QQueue<QByteArray> writeQueue;
+    std::mutex queueMutex;
+    std::condition_variable queueCondition;
+};
