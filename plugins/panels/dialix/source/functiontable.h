@@ -50,87 +50,86 @@ enum class SubMenu : int { Top, Main, VfoRx2, Audio, Dsp };
 
 // A label literal together with its length.
 #define DIALIX_LABEL(text) QLatin1String(text, int(sizeof(text) - 1))
-#define DIALIX_TR(text) QT_TRANSLATE_NOOP("DialixOptions", text)
 
 // clang-format off
 #define DIALIX_BUTTON_FUNCTIONS(X) \
-    X( 0, Unused,                  DIALIX_TR("Unused"),                                        DIALIX_TR("NO"),    dialix::SubMenu::Top,     0) \
-    X( 1, BandUp,                  DIALIX_TR("Band Up"),                                       DIALIX_TR("BU"),    dialix::SubMenu::Main,    2) \
-    X( 2, BandDown,                DIALIX_TR("Band Down"),                                     DIALIX_TR("BD"),    dialix::SubMenu::Main,    3) \
-    X( 3, ModeUp,                  DIALIX_TR("Mode Up"),                                       DIALIX_TR("MU"),    dialix::SubMenu::Main,    6) \
-    X( 4, ModeDown,                DIALIX_TR("Mode Down"),                                     DIALIX_TR("MD"),    dialix::SubMenu::Main,    7) \
-    X( 5, VolumeUp,                DIALIX_TR("Volume Up"),                                     DIALIX_TR("V+"),    dialix::SubMenu::Audio,  14) \
-    X( 6, VolumeDown,              DIALIX_TR("Volume Down"),                                   DIALIX_TR("V-"),    dialix::SubMenu::Audio,  15) \
-    X( 7, Mute,                    DIALIX_TR("Mute"),                                          DIALIX_TR("Mute"),  dialix::SubMenu::Audio,  10) \
-    X( 8, Bin,                     DIALIX_TR("BIN"),                                           DIALIX_TR("BIN"),   dialix::SubMenu::Dsp,     2) \
-    X( 9, Nr,                      DIALIX_TR("NR"),                                            DIALIX_TR("NR"),    dialix::SubMenu::Dsp,     3) \
-    X(10, Anf,                     DIALIX_TR("ANF"),                                           DIALIX_TR("ANF"),   dialix::SubMenu::Dsp,     0) \
-    X(11, Nb1,                     DIALIX_TR("NB1"),                                           DIALIX_TR("NB1"),   dialix::SubMenu::Dsp,     4) \
-    X(12, Nb2,                     DIALIX_TR("NB2"),                                           DIALIX_TR("NB2"),   dialix::SubMenu::Dsp,     5) \
-    X(13, FilterUp,                DIALIX_TR("Filter Up"),                                     DIALIX_TR("FU"),    dialix::SubMenu::Main,    4) \
-    X(14, FilterDown,              DIALIX_TR("Filter Down"),                                   DIALIX_TR("FD"),    dialix::SubMenu::Main,    5) \
-    X(15, Sql,                     DIALIX_TR("SQL"),                                           DIALIX_TR("SQL"),   dialix::SubMenu::Dsp,     6) \
-    X(16, Pa,                      DIALIX_TR("PA"),                                            DIALIX_TR("PA"),    dialix::SubMenu::Main,    9) \
-    X(17, AgcUp,                   DIALIX_TR("Agc Up"),                                        DIALIX_TR("AgcU"),  dialix::SubMenu::Main,    0) \
-    X(18, AgcDown,                 DIALIX_TR("Agc Down"),                                      DIALIX_TR("AgcD"),  dialix::SubMenu::Main,    1) \
-    X(19, PreampUp,                DIALIX_TR("Preamp Up"),                                     DIALIX_TR("PrU"),   dialix::SubMenu::Main,   11) \
-    X(20, PreampDown,              DIALIX_TR("Preamp Down"),                                   DIALIX_TR("PrD"),   dialix::SubMenu::Main,   12) \
-    X(21, StepUp,                  DIALIX_TR("Step Up"),                                       DIALIX_TR("StU"),   dialix::SubMenu::Main,   14) \
-    X(22, StepDown,                DIALIX_TR("Step Down"),                                     DIALIX_TR("StD"),   dialix::SubMenu::Main,   15) \
-    X(23, ZoomIn,                  DIALIX_TR("Zoom In"),                                       DIALIX_TR("ZM+"),   dialix::SubMenu::Main,   18) \
-    X(24, ZoomOut,                 DIALIX_TR("Zoom Out"),                                      DIALIX_TR("ZM-"),   dialix::SubMenu::Main,   19) \
-    X(25, Mox,                     DIALIX_TR("MOX"),                                           DIALIX_TR("MOX"),   dialix::SubMenu::Main,    8) \
-    X(26, Tune,                    DIALIX_TR("Tune"),                                          DIALIX_TR("Tun"),   dialix::SubMenu::Main,   16) \
-    X(27, Wf,                      DIALIX_TR("WF"),                                            DIALIX_TR("WF"),    dialix::SubMenu::Main,   17) \
-    X(28, PowerOnOff,              DIALIX_TR("Power On/Off"),                                  DIALIX_TR("PWR"),   dialix::SubMenu::Main,   10) \
-    X(29, SwitchDdsIf,             DIALIX_TR("Switch DDS/IF"),                                 DIALIX_TR("D/I"),   dialix::SubMenu::VfoRx2, 11) \
-    X(30, SwitchReceiver,          DIALIX_TR("Switch Receiver"),                               DIALIX_TR("SR"),    dialix::SubMenu::VfoRx2, 12) \
-    X(31, ChangeVfoAB,             DIALIX_TR("Change VFOA/VFOB"),                              DIALIX_TR("A/B"),   dialix::SubMenu::VfoRx2,  3) \
-    X(32, SubRxOnOff,              DIALIX_TR("SubRX On/Off"),                                  DIALIX_TR("VfB"),   dialix::SubMenu::VfoRx2,  9) \
-    X(33, RitOnOff,                DIALIX_TR("RIT On/Off"),                                    DIALIX_TR("Rit"),   dialix::SubMenu::VfoRx2,  7) \
-    X(34, RitReset,                DIALIX_TR("RIT Reset"),                                     DIALIX_TR("Rt0"),   dialix::SubMenu::VfoRx2,  8) \
-    X(35, IfAsRit,                 DIALIX_TR("IF as RIT"),                                     DIALIX_TR("IfR"),   dialix::SubMenu::VfoRx2,  4) \
-    X(36, XitOnOff,                DIALIX_TR("XIT On/Off"),                                    DIALIX_TR("Xit"),   dialix::SubMenu::VfoRx2, 13) \
-    X(37, XitReset,                DIALIX_TR("XIT Reset"),                                     DIALIX_TR("Xt0"),   dialix::SubMenu::VfoRx2, 14) \
-    X(38, Split,                   DIALIX_TR("Split"),                                         DIALIX_TR("Spl"),   dialix::SubMenu::VfoRx2, 10) \
-    X(39, TxPlay,                  DIALIX_TR("TX / Play"),                                     DIALIX_TR("T/P"),   dialix::SubMenu::Audio,  12) \
-    X(40, VoiceRecording,          DIALIX_TR("Voice recording"),                               DIALIX_TR("V/R"),   dialix::SubMenu::Audio,  13) \
-    X(41, RxAnt,                   DIALIX_TR("RX ANT"),                                        DIALIX_TR("RxA"),   dialix::SubMenu::Main,   13) \
-    X(42, Lock,                    DIALIX_TR("LOCK"),                                          DIALIX_TR("Lock"),  dialix::SubMenu::VfoRx2,  5) \
-    X(43, AToB,                    DIALIX_TR("A->B"),                                          DIALIX_TR("A->B"),  dialix::SubMenu::VfoRx2,  0) \
-    X(44, BToA,                    DIALIX_TR("B->A"),                                          DIALIX_TR("B->A"),  dialix::SubMenu::VfoRx2,  1) \
-    X(45, SwapAB,                  DIALIX_TR("B<->A"),                                         DIALIX_TR("Swap"),  dialix::SubMenu::VfoRx2,  2) \
-    X(46, Apf,                     DIALIX_TR("APF"),                                           DIALIX_TR("APF"),   dialix::SubMenu::Dsp,     1) \
-    X(47, ListenBothRx,            DIALIX_TR("Listen both RX1, RX2"),                          DIALIX_TR("V.D"),   dialix::SubMenu::Audio,   0) \
-    X(48, ListenRx1Only,           DIALIX_TR("Listen RX1 only"),                               DIALIX_TR("V.RX1"), dialix::SubMenu::Audio,   1) \
-    X(49, ListenRx2Only,           DIALIX_TR("Listen RX2 only"),                               DIALIX_TR("V.RX2"), dialix::SubMenu::Audio,   2) \
-    X(50, ListenRx1LeftRx2Right,   DIALIX_TR("Listen RX1 in left channel - RX2 in right"),     DIALIX_TR("V.R1L"), dialix::SubMenu::Audio,   3) \
-    X(51, ListenRx1RightRx2Left,   DIALIX_TR("Listen RX1 in right channel - RX2 in left"),     DIALIX_TR("V.R1R"), dialix::SubMenu::Audio,   4) \
-    X(52, SwitchRxMuteFormer,      DIALIX_TR("Switch RX and mute former"),                     DIALIX_TR("SR.M"),  dialix::SubMenu::Audio,  11) \
-    X(53, Rx2OnOff,                DIALIX_TR("RX2 On/Off"),                                    DIALIX_TR("RX2"),   dialix::SubMenu::VfoRx2,  6) \
-    X(54, ListenBothVfo,           DIALIX_TR("Listen both VFO A/B"),                           DIALIX_TR("V.AB"),  dialix::SubMenu::Audio,   5) \
-    X(55, ListenVfoAOnly,          DIALIX_TR("Listen VFO A only"),                             DIALIX_TR("V.A"),   dialix::SubMenu::Audio,   6) \
-    X(56, ListenVfoBOnly,          DIALIX_TR("Listen VFO B only"),                             DIALIX_TR("V.B"),   dialix::SubMenu::Audio,   7) \
-    X(57, ListenVfoALeftVfoBRight, DIALIX_TR("Listen VFO A in left channel - VFO B in right"), DIALIX_TR("V.AL"),  dialix::SubMenu::Audio,   8) \
-    X(58, ListenVfoARightVfoBLeft, DIALIX_TR("Listen VFO A in right channel - VFO B in left"), DIALIX_TR("V.AR"),  dialix::SubMenu::Audio,   9) \
-    X(59, Vox,                     DIALIX_TR("VOX"),                                           DIALIX_TR("VOX"),   dialix::SubMenu::Audio,  16) \
-    X(60, Nf,                      DIALIX_TR("NF"),                                            DIALIX_TR("NF"),    dialix::SubMenu::Dsp,     7)
+    X( 0, Unused,                  QT_TRANSLATE_NOOP("DialixOptions", "Unused"),                                        QT_TRANSLATE_NOOP("DialixOptions", "NO"),    dialix::SubMenu::Top,     0) \
+    X( 1, BandUp,                  QT_TRANSLATE_NOOP("DialixOptions", "Band Up"),                                       QT_TRANSLATE_NOOP("DialixOptions", "BU"),    dialix::SubMenu::Main,    2) \
+    X( 2, BandDown,                QT_TRANSLATE_NOOP("DialixOptions", "Band Down"),                                     QT_TRANSLATE_NOOP("DialixOptions", "BD"),    dialix::SubMenu::Main,    3) \
+    X( 3, ModeUp,                  QT_TRANSLATE_NOOP("DialixOptions", "Mode Up"),                                       QT_TRANSLATE_NOOP("DialixOptions", "MU"),    dialix::SubMenu::Main,    6) \
+    X( 4, ModeDown,                QT_TRANSLATE_NOOP("DialixOptions", "Mode Down"),                                     QT_TRANSLATE_NOOP("DialixOptions", "MD"),    dialix::SubMenu::Main,    7) \
+    X( 5, VolumeUp,                QT_TRANSLATE_NOOP("DialixOptions", "Volume Up"),                                     QT_TRANSLATE_NOOP("DialixOptions", "V+"),    dialix::SubMenu::Audio,  14) \
+    X( 6, VolumeDown,              QT_TRANSLATE_NOOP("DialixOptions", "Volume Down"),                                   QT_TRANSLATE_NOOP("DialixOptions", "V-"),    dialix::SubMenu::Audio,  15) \
+    X( 7, Mute,                    QT_TRANSLATE_NOOP("DialixOptions", "Mute"),                                          QT_TRANSLATE_NOOP("DialixOptions", "Mute"),  dialix::SubMenu::Audio,  10) \
+    X( 8, Bin,                     QT_TRANSLATE_NOOP("DialixOptions", "BIN"),                                           QT_TRANSLATE_NOOP("DialixOptions", "BIN"),   dialix::SubMenu::Dsp,     2) \
+    X( 9, Nr,                      QT_TRANSLATE_NOOP("DialixOptions", "NR"),                                            QT_TRANSLATE_NOOP("DialixOptions", "NR"),    dialix::SubMenu::Dsp,     3) \
+    X(10, Anf,                     QT_TRANSLATE_NOOP("DialixOptions", "ANF"),                                           QT_TRANSLATE_NOOP("DialixOptions", "ANF"),   dialix::SubMenu::Dsp,     0) \
+    X(11, Nb1,                     QT_TRANSLATE_NOOP("DialixOptions", "NB1"),                                           QT_TRANSLATE_NOOP("DialixOptions", "NB1"),   dialix::SubMenu::Dsp,     4) \
+    X(12, Nb2,                     QT_TRANSLATE_NOOP("DialixOptions", "NB2"),                                           QT_TRANSLATE_NOOP("DialixOptions", "NB2"),   dialix::SubMenu::Dsp,     5) \
+    X(13, FilterUp,                QT_TRANSLATE_NOOP("DialixOptions", "Filter Up"),                                     QT_TRANSLATE_NOOP("DialixOptions", "FU"),    dialix::SubMenu::Main,    4) \
+    X(14, FilterDown,              QT_TRANSLATE_NOOP("DialixOptions", "Filter Down"),                                   QT_TRANSLATE_NOOP("DialixOptions", "FD"),    dialix::SubMenu::Main,    5) \
+    X(15, Sql,                     QT_TRANSLATE_NOOP("DialixOptions", "SQL"),                                           QT_TRANSLATE_NOOP("DialixOptions", "SQL"),   dialix::SubMenu::Dsp,     6) \
+    X(16, Pa,                      QT_TRANSLATE_NOOP("DialixOptions", "PA"),                                            QT_TRANSLATE_NOOP("DialixOptions", "PA"),    dialix::SubMenu::Main,    9) \
+    X(17, AgcUp,                   QT_TRANSLATE_NOOP("DialixOptions", "Agc Up"),                                        QT_TRANSLATE_NOOP("DialixOptions", "AgcU"),  dialix::SubMenu::Main,    0) \
+    X(18, AgcDown,                 QT_TRANSLATE_NOOP("DialixOptions", "Agc Down"),                                      QT_TRANSLATE_NOOP("DialixOptions", "AgcD"),  dialix::SubMenu::Main,    1) \
+    X(19, PreampUp,                QT_TRANSLATE_NOOP("DialixOptions", "Preamp Up"),                                     QT_TRANSLATE_NOOP("DialixOptions", "PrU"),   dialix::SubMenu::Main,   11) \
+    X(20, PreampDown,              QT_TRANSLATE_NOOP("DialixOptions", "Preamp Down"),                                   QT_TRANSLATE_NOOP("DialixOptions", "PrD"),   dialix::SubMenu::Main,   12) \
+    X(21, StepUp,                  QT_TRANSLATE_NOOP("DialixOptions", "Step Up"),                                       QT_TRANSLATE_NOOP("DialixOptions", "StU"),   dialix::SubMenu::Main,   14) \
+    X(22, StepDown,                QT_TRANSLATE_NOOP("DialixOptions", "Step Down"),                                     QT_TRANSLATE_NOOP("DialixOptions", "StD"),   dialix::SubMenu::Main,   15) \
+    X(23, ZoomIn,                  QT_TRANSLATE_NOOP("DialixOptions", "Zoom In"),                                       QT_TRANSLATE_NOOP("DialixOptions", "ZM+"),   dialix::SubMenu::Main,   18) \
+    X(24, ZoomOut,                 QT_TRANSLATE_NOOP("DialixOptions", "Zoom Out"),                                      QT_TRANSLATE_NOOP("DialixOptions", "ZM-"),   dialix::SubMenu::Main,   19) \
+    X(25, Mox,                     QT_TRANSLATE_NOOP("DialixOptions", "MOX"),                                           QT_TRANSLATE_NOOP("DialixOptions", "MOX"),   dialix::SubMenu::Main,    8) \
+    X(26, Tune,                    QT_TRANSLATE_NOOP("DialixOptions", "Tune"),                                          QT_TRANSLATE_NOOP("DialixOptions", "Tun"),   dialix::SubMenu::Main,   16) \
+    X(27, Wf,                      QT_TRANSLATE_NOOP("DialixOptions", "WF"),                                            QT_TRANSLATE_NOOP("DialixOptions", "WF"),    dialix::SubMenu::Main,   17) \
+    X(28, PowerOnOff,              QT_TRANSLATE_NOOP("DialixOptions", "Power On/Off"),                                  QT_TRANSLATE_NOOP("DialixOptions", "PWR"),   dialix::SubMenu::Main,   10) \
+    X(29, SwitchDdsIf,             QT_TRANSLATE_NOOP("DialixOptions", "Switch DDS/IF"),                                 QT_TRANSLATE_NOOP("DialixOptions", "D/I"),   dialix::SubMenu::VfoRx2, 11) \
+    X(30, SwitchReceiver,          QT_TRANSLATE_NOOP("DialixOptions", "Switch Receiver"),                               QT_TRANSLATE_NOOP("DialixOptions", "SR"),    dialix::SubMenu::VfoRx2, 12) \
+    X(31, ChangeVfoAB,             QT_TRANSLATE_NOOP("DialixOptions", "Change VFOA/VFOB"),                              QT_TRANSLATE_NOOP("DialixOptions", "A/B"),   dialix::SubMenu::VfoRx2,  3) \
+    X(32, SubRxOnOff,              QT_TRANSLATE_NOOP("DialixOptions", "SubRX On/Off"),                                  QT_TRANSLATE_NOOP("DialixOptions", "VfB"),   dialix::SubMenu::VfoRx2,  9) \
+    X(33, RitOnOff,                QT_TRANSLATE_NOOP("DialixOptions", "RIT On/Off"),                                    QT_TRANSLATE_NOOP("DialixOptions", "Rit"),   dialix::SubMenu::VfoRx2,  7) \
+    X(34, RitReset,                QT_TRANSLATE_NOOP("DialixOptions", "RIT Reset"),                                     QT_TRANSLATE_NOOP("DialixOptions", "Rt0"),   dialix::SubMenu::VfoRx2,  8) \
+    X(35, IfAsRit,                 QT_TRANSLATE_NOOP("DialixOptions", "IF as RIT"),                                     QT_TRANSLATE_NOOP("DialixOptions", "IfR"),   dialix::SubMenu::VfoRx2,  4) \
+    X(36, XitOnOff,                QT_TRANSLATE_NOOP("DialixOptions", "XIT On/Off"),                                    QT_TRANSLATE_NOOP("DialixOptions", "Xit"),   dialix::SubMenu::VfoRx2, 13) \
+    X(37, XitReset,                QT_TRANSLATE_NOOP("DialixOptions", "XIT Reset"),                                     QT_TRANSLATE_NOOP("DialixOptions", "Xt0"),   dialix::SubMenu::VfoRx2, 14) \
+    X(38, Split,                   QT_TRANSLATE_NOOP("DialixOptions", "Split"),                                         QT_TRANSLATE_NOOP("DialixOptions", "Spl"),   dialix::SubMenu::VfoRx2, 10) \
+    X(39, TxPlay,                  QT_TRANSLATE_NOOP("DialixOptions", "TX / Play"),                                     QT_TRANSLATE_NOOP("DialixOptions", "T/P"),   dialix::SubMenu::Audio,  12) \
+    X(40, VoiceRecording,          QT_TRANSLATE_NOOP("DialixOptions", "Voice recording"),                               QT_TRANSLATE_NOOP("DialixOptions", "V/R"),   dialix::SubMenu::Audio,  13) \
+    X(41, RxAnt,                   QT_TRANSLATE_NOOP("DialixOptions", "RX ANT"),                                        QT_TRANSLATE_NOOP("DialixOptions", "RxA"),   dialix::SubMenu::Main,   13) \
+    X(42, Lock,                    QT_TRANSLATE_NOOP("DialixOptions", "LOCK"),                                          QT_TRANSLATE_NOOP("DialixOptions", "Lock"),  dialix::SubMenu::VfoRx2,  5) \
+    X(43, AToB,                    QT_TRANSLATE_NOOP("DialixOptions", "A->B"),                                          QT_TRANSLATE_NOOP("DialixOptions", "A->B"),  dialix::SubMenu::VfoRx2,  0) \
+    X(44, BToA,                    QT_TRANSLATE_NOOP("DialixOptions", "B->A"),                                          QT_TRANSLATE_NOOP("DialixOptions", "B->A"),  dialix::SubMenu::VfoRx2,  1) \
+    X(45, SwapAB,                  QT_TRANSLATE_NOOP("DialixOptions", "B<->A"),                                         QT_TRANSLATE_NOOP("DialixOptions", "Swap"),  dialix::SubMenu::VfoRx2,  2) \
+    X(46, Apf,                     QT_TRANSLATE_NOOP("DialixOptions", "APF"),                                           QT_TRANSLATE_NOOP("DialixOptions", "APF"),   dialix::SubMenu::Dsp,     1) \
+    X(47, ListenBothRx,            QT_TRANSLATE_NOOP("DialixOptions", "Listen both RX1, RX2"),                          QT_TRANSLATE_NOOP("DialixOptions", "V.D"),   dialix::SubMenu::Audio,   0) \
+    X(48, ListenRx1Only,           QT_TRANSLATE_NOOP("DialixOptions", "Listen RX1 only"),                               QT_TRANSLATE_NOOP("DialixOptions", "V.RX1"), dialix::SubMenu::Audio,   1) \
+    X(49, ListenRx2Only,           QT_TRANSLATE_NOOP("DialixOptions", "Listen RX2 only"),                               QT_TRANSLATE_NOOP("DialixOptions", "V.RX2"), dialix::SubMenu::Audio,   2) \
+    X(50, ListenRx1LeftRx2Right,   QT_TRANSLATE_NOOP("DialixOptions", "Listen RX1 in left channel - RX2 in right"),     QT_TRANSLATE_NOOP("DialixOptions", "V.R1L"), dialix::SubMenu::Audio,   3) \
+    X(51, ListenRx1RightRx2Left,   QT_TRANSLATE_NOOP("DialixOptions", "Listen RX1 in right channel - RX2 in left"),     QT_TRANSLATE_NOOP("DialixOptions", "V.R1R"), dialix::SubMenu::Audio,   4) \
+    X(52, SwitchRxMuteFormer,      QT_TRANSLATE_NOOP("DialixOptions", "Switch RX and mute former"),                     QT_TRANSLATE_NOOP("DialixOptions", "SR.M"),  dialix::SubMenu::Audio,  11) \
+    X(53, Rx2OnOff,                QT_TRANSLATE_NOOP("DialixOptions", "RX2 On/Off"),                                    QT_TRANSLATE_NOOP("DialixOptions", "RX2"),   dialix::SubMenu::VfoRx2,  6) \
+    X(54, ListenBothVfo,           QT_TRANSLATE_NOOP("DialixOptions", "Listen both VFO A/B"),                           QT_TRANSLATE_NOOP("DialixOptions", "V.AB"),  dialix::SubMenu::Audio,   5) \
+    X(55, ListenVfoAOnly,          QT_TRANSLATE_NOOP("DialixOptions", "Listen VFO A only"),                             QT_TRANSLATE_NOOP("DialixOptions", "V.A"),   dialix::SubMenu::Audio,   6) \
+    X(56, ListenVfoBOnly,          QT_TRANSLATE_NOOP("DialixOptions", "Listen VFO B only"),                             QT_TRANSLATE_NOOP("DialixOptions", "V.B"),   dialix::SubMenu::Audio,   7) \
+    X(57, ListenVfoALeftVfoBRight, QT_TRANSLATE_NOOP("DialixOptions", "Listen VFO A in left channel - VFO B in right"), QT_TRANSLATE_NOOP("DialixOptions", "V.AL"),  dialix::SubMenu::Audio,   8) \
+    X(58, ListenVfoARightVfoBLeft, QT_TRANSLATE_NOOP("DialixOptions", "Listen VFO A in right channel - VFO B in left"), QT_TRANSLATE_NOOP("DialixOptions", "V.AR"),  dialix::SubMenu::Audio,   9) \
+    X(59, Vox,                     QT_TRANSLATE_NOOP("DialixOptions", "VOX"),                                           QT_TRANSLATE_NOOP("DialixOptions", "VOX"),   dialix::SubMenu::Audio,  16) \
+    X(60, Nf,                      QT_TRANSLATE_NOOP("DialixOptions", "NF"),                                            QT_TRANSLATE_NOOP("DialixOptions", "NF"),    dialix::SubMenu::Dsp,     7)
 
 #define DIALIX_DIAL_FUNCTIONS(X) \
-    X( 0, Unused,      DIALIX_TR("Unused"),       DIALIX_TR("NO"))  \
-    X( 1, Volume,      DIALIX_TR("Volume"),       DIALIX_TR("Vol")) \
-    X( 2, MicGain,     DIALIX_TR("Mic Gain"),     DIALIX_TR("Mic")) \
-    X( 3, Sql,         DIALIX_TR("SQL"),          DIALIX_TR("SQL")) \
-    X( 4, FilterLow,   DIALIX_TR("Filter Low"),   DIALIX_TR("FL"))  \
-    X( 5, FilterHigh,  DIALIX_TR("Filter High"),  DIALIX_TR("FH"))  \
-    X( 6, FilterWidth, DIALIX_TR("Filter Width"), DIALIX_TR("FW"))  \
-    X( 7, FilterShift, DIALIX_TR("Filter Shift"), DIALIX_TR("FS"))  \
-    X( 8, Drive,       DIALIX_TR("Drive"),        DIALIX_TR("Drv")) \
-    X( 9, If,          DIALIX_TR("IF"),           DIALIX_TR("IF"))  \
-    X(10, RfGain,      DIALIX_TR("RF Gain"),      DIALIX_TR("RF"))  \
-    X(11, CwSpeed,     DIALIX_TR("CW Speed"),     DIALIX_TR("CWS")) \
-    X(12, RitOffset,   DIALIX_TR("RIT Offset"),   DIALIX_TR("Rit")) \
-    X(13, XitOffset,   DIALIX_TR("XIT Offset"),   DIALIX_TR("Xit"))
+    X( 0, Unused,      QT_TRANSLATE_NOOP("DialixOptions", "Unused"),       QT_TRANSLATE_NOOP("DialixOptions", "NO"))  \
+    X( 1, Volume,      QT_TRANSLATE_NOOP("DialixOptions", "Volume"),       QT_TRANSLATE_NOOP("DialixOptions", "Vol")) \
+    X( 2, MicGain,     QT_TRANSLATE_NOOP("DialixOptions", "Mic Gain"),     QT_TRANSLATE_NOOP("DialixOptions", "Mic")) \
+    X( 3, Sql,         QT_TRANSLATE_NOOP("DialixOptions", "SQL"),          QT_TRANSLATE_NOOP("DialixOptions", "SQL")) \
+    X( 4, FilterLow,   QT_TRANSLATE_NOOP("DialixOptions", "Filter Low"),   QT_TRANSLATE_NOOP("DialixOptions", "FL"))  \
+    X( 5, FilterHigh,  QT_TRANSLATE_NOOP("DialixOptions", "Filter High"),  QT_TRANSLATE_NOOP("DialixOptions", "FH"))  \
+    X( 6, FilterWidth, QT_TRANSLATE_NOOP("DialixOptions", "Filter Width"), QT_TRANSLATE_NOOP("DialixOptions", "FW"))  \
+    X( 7, FilterShift, QT_TRANSLATE_NOOP("DialixOptions", "Filter Shift"), QT_TRANSLATE_NOOP("DialixOptions", "FS"))  \
+    X( 8, Drive,       QT_TRANSLATE_NOOP("DialixOptions", "Drive"),        QT_TRANSLATE_NOOP("DialixOptions", "Drv")) \
+    X( 9, If,          QT_TRANSLATE_NOOP("DialixOptions", "IF"),           QT_TRANSLATE_NOOP("DialixOptions", "IF"))  \
+    X(10, RfGain,      QT_TRANSLATE_NOOP("DialixOptions", "RF Gain"),      QT_TRANSLATE_NOOP("DialixOptions", "RF"))  \
+    X(11, CwSpeed,     QT_TRANSLATE_NOOP("DialixOptions", "CW Speed"),     QT_TRANSLATE_NOOP("DialixOptions", "CWS")) \
+    X(12, RitOffset,   QT_TRANSLATE_NOOP("DialixOptions", "RIT Offset"),   QT_TRANSLATE_NOOP("DialixOptions", "Rit")) \
+    X(13, XitOffset,   QT_TRANSLATE_NOOP("DialixOptions", "XIT Offset"),   QT_TRANSLATE_NOOP("DialixOptions", "Xit"))
 
 // Slot names by function id: setFuncButton<id + 1>, setFuncDial<id>.
 #define DIALIX_CAT_(a, b) a##b
@@ -300,13 +299,13 @@ constexpr QLatin1String subMenuTitle(SubMenu menu)
 {
     switch (menu) {
     case SubMenu::Main:
-        return DIALIX_LABEL(DIALIX_TR("Main"));
+        return DIALIX_LABEL(QT_TRANSLATE_NOOP("DialixOptions", "Main"));
     case SubMenu::VfoRx2:
-        return DIALIX_LABEL(DIALIX_TR("VFO/RX2"));
+        return DIALIX_LABEL(QT_TRANSLATE_NOOP("DialixOptions", "VFO/RX2"));
     case SubMenu::Audio:
-        return DIALIX_LABEL(DIALIX_TR("Audio"));
+        return DIALIX_LABEL(QT_TRANSLATE_NOOP("DialixOptions", "Audio"));
     case SubMenu::Dsp:
-        return DIALIX_LABEL(DIALIX_TR("DSP"));
+        return DIALIX_LABEL(QT_TRANSLATE_NOOP("DialixOptions", "DSP"));
     case SubMenu::Top:
         break;
     }

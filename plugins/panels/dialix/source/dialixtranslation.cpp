@@ -1,0 +1,36 @@
+#include "plugins/panels/dialix/source/dialixtranslation.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+#include <QTranslator>
+
+// The translations live in a static library: referencing the resource's
+// initialiser keeps it from being dropped by the linker.
+static void initTranslationResource()
+{
+    Q_INIT_RESOURCE(dialix_translations);
+}
+
+bool installDialixTranslator(const QLocale &locale)
+{
+    static QPointer<QTranslator> installed;
+
+    QCoreApplication *app = QCoreApplication::instance();
+    if (!app)
+        return false;
+    initTranslationResource();
+
+    if (installed) {
+        QCoreApplication::removeTranslator(installed);
+        delete installed;
+    }
+    auto *translator = new QTranslator(app);
+    if (!translator->load(locale, QStringLiteral("dialix"), QStringLiteral("_"),
+                          QStringLiteral(":/dialix/translations"))) {
+        delete translator;
+        return false;
+    }
+    QCoreApplication::installTranslator(translator);
+    installed = translator;
+    return true;
+}
