@@ -5,631 +5,631 @@
     <name>DialixOptions</name>
     <message>
         <source>Form</source>
-        <translation type="unfinished"></translation>
+        <translation>Formular</translation>
     </message>
     <message>
         <source>NO</source>
-        <translation type="unfinished"></translation>
+        <translation>Frei</translation>
     </message>
     <message>
         <source>Rotate left or right for change VFO frequency</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach links oder rechts drehen, um die VFO-Frequenz zu ändern</translation>
     </message>
     <message>
         <source>Enable</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktivieren</translation>
     </message>
     <message>
         <source>Use IF</source>
-        <translation type="unfinished"></translation>
+        <translation>ZF verwenden</translation>
     </message>
     <message>
         <source>Use IF as RIT</source>
-        <translation type="unfinished"></translation>
+        <translation>ZF als RIT verwenden</translation>
     </message>
     <message>
         <source>Use IF as XIT</source>
-        <translation type="unfinished"></translation>
+        <translation>ZF als XIT verwenden</translation>
     </message>
     <message>
         <source>VFO B</source>
-        <translation type="unfinished"></translation>
+        <translation>VFO B</translation>
     </message>
     <message>
         <source>Key Led</source>
-        <translation type="unfinished"></translation>
+        <translation>Tasten-LED</translation>
     </message>
     <message>
         <source>Encoder Led</source>
-        <translation type="unfinished"></translation>
+        <translation>Drehgeber-LED</translation>
     </message>
     <message>
         <source>No transfer PTT</source>
-        <translation type="unfinished"></translation>
+        <translation>PTT nicht weiterleiten</translation>
     </message>
     <message>
         <source>PTT to ZLI</source>
-        <translation type="unfinished"></translation>
+        <translation>PTT an ZLI</translation>
     </message>
     <message>
         <source>PTT to COM port</source>
-        <translation type="unfinished"></translation>
+        <translation>PTT an COM-Port</translation>
     </message>
     <message>
         <source>Transfer PTT to COM</source>
-        <translation type="unfinished"></translation>
+        <translation>PTT an COM weiterleiten</translation>
     </message>
     <message>
         <source>Port name:</source>
-        <translation type="unfinished"></translation>
+        <translation>Portname:</translation>
     </message>
     <message>
         <source>DTR</source>
-        <translation type="unfinished"></translation>
+        <translation>DTR</translation>
     </message>
     <message>
         <source>RTS</source>
-        <translation type="unfinished"></translation>
+        <translation>RTS</translation>
     </message>
     <message>
         <source>Volume:</source>
-        <translation type="unfinished"></translation>
+        <translation>Lautstärke:</translation>
     </message>
     <message>
         <source>Mic Gain:</source>
-        <translation type="unfinished"></translation>
+        <translation>Mikrofonpegel:</translation>
     </message>
     <message>
         <source>SQL:</source>
-        <translation type="unfinished"></translation>
+        <translation>Rauschsperre:</translation>
     </message>
     <message>
         <source>Filter High:</source>
-        <translation type="unfinished"></translation>
+        <translation>Filter oben:</translation>
     </message>
     <message>
         <source>Filter Low:</source>
-        <translation type="unfinished"></translation>
+        <translation>Filter unten:</translation>
     </message>
     <message>
         <source>Filter Width:</source>
-        <translation type="unfinished"></translation>
+        <translation>Filterbreite:</translation>
     </message>
     <message>
         <source>Filter Shift:</source>
-        <translation type="unfinished"></translation>
+        <translation>Filterverschiebung:</translation>
     </message>
     <message>
         <source>Drive:</source>
-        <translation type="unfinished"></translation>
+        <translation>Sendepegel:</translation>
     </message>
     <message>
         <source>RF Gain:</source>
-        <translation type="unfinished"></translation>
+        <translation>HF-Verstärkung:</translation>
     </message>
     <message>
         <source>Unused</source>
-        <translation type="unfinished"></translation>
+        <translation>Unbelegt</translation>
     </message>
     <message>
         <source>Band Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Band hoch</translation>
     </message>
     <message>
         <source>BU</source>
-        <translation type="unfinished"></translation>
+        <translation>B+</translation>
     </message>
     <message>
         <source>Band Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Band runter</translation>
     </message>
     <message>
         <source>BD</source>
-        <translation type="unfinished"></translation>
+        <translation>B-</translation>
     </message>
     <message>
         <source>Mode Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Betriebsart hoch</translation>
     </message>
     <message>
         <source>MU</source>
-        <translation type="unfinished"></translation>
+        <translation>BA+</translation>
     </message>
     <message>
         <source>Mode Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Betriebsart runter</translation>
     </message>
     <message>
         <source>MD</source>
-        <translation type="unfinished"></translation>
+        <translation>BA-</translation>
     </message>
     <message>
         <source>Volume Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Lauter</translation>
     </message>
     <message>
         <source>V+</source>
-        <translation type="unfinished"></translation>
+        <translation>L+</translation>
     </message>
     <message>
         <source>Volume Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Leiser</translation>
     </message>
     <message>
         <source>V-</source>
-        <translation type="unfinished"></translation>
+        <translation>L-</translation>
     </message>
     <message>
         <source>Mute</source>
-        <translation type="unfinished"></translation>
+        <translation>Stumm</translation>
     </message>
     <message>
         <source>BIN</source>
-        <translation type="unfinished"></translation>
+        <translation>BIN</translation>
     </message>
     <message>
         <source>NR</source>
-        <translation type="unfinished"></translation>
+        <translation>NR</translation>
     </message>
     <message>
         <source>ANF</source>
-        <translation type="unfinished"></translation>
+        <translation>ANF</translation>
     </message>
     <message>
         <source>NB1</source>
-        <translation type="unfinished"></translation>
+        <translation>NB1</translation>
     </message>
     <message>
         <source>NB2</source>
-        <translation type="unfinished"></translation>
+        <translation>NB2</translation>
     </message>
     <message>
         <source>Filter Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Filter hoch</translation>
     </message>
     <message>
         <source>FU</source>
-        <translation type="unfinished"></translation>
+        <translation>F+</translation>
     </message>
     <message>
         <source>Filter Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Filter runter</translation>
     </message>
     <message>
         <source>FD</source>
-        <translation type="unfinished"></translation>
+        <translation>F-</translation>
     </message>
     <message>
         <source>SQL</source>
-        <translation type="unfinished"></translation>
+        <translation>SQL</translation>
     </message>
     <message>
         <source>PA</source>
-        <translation type="unfinished"></translation>
+        <translation>PA</translation>
     </message>
     <message>
         <source>Agc Up</source>
-        <translation type="unfinished"></translation>
+        <translation>AGC hoch</translation>
     </message>
     <message>
         <source>AgcU</source>
-        <translation type="unfinished"></translation>
+        <translation>AGC+</translation>
     </message>
     <message>
         <source>Agc Down</source>
-        <translation type="unfinished"></translation>
+        <translation>AGC runter</translation>
     </message>
     <message>
         <source>AgcD</source>
-        <translation type="unfinished"></translation>
+        <translation>AGC-</translation>
     </message>
     <message>
         <source>Preamp Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorverstärker hoch</translation>
     </message>
     <message>
         <source>PrU</source>
-        <translation type="unfinished"></translation>
+        <translation>VV+</translation>
     </message>
     <message>
         <source>Preamp Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorverstärker runter</translation>
     </message>
     <message>
         <source>PrD</source>
-        <translation type="unfinished"></translation>
+        <translation>VV-</translation>
     </message>
     <message>
         <source>Step Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Schritt hoch</translation>
     </message>
     <message>
         <source>StU</source>
-        <translation type="unfinished"></translation>
+        <translation>Sch+</translation>
     </message>
     <message>
         <source>Step Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Schritt runter</translation>
     </message>
     <message>
         <source>StD</source>
-        <translation type="unfinished"></translation>
+        <translation>Sch-</translation>
     </message>
     <message>
         <source>Zoom In</source>
-        <translation type="unfinished"></translation>
+        <translation>Vergrößern</translation>
     </message>
     <message>
         <source>ZM+</source>
-        <translation type="unfinished"></translation>
+        <translation>ZM+</translation>
     </message>
     <message>
         <source>Zoom Out</source>
-        <translation type="unfinished"></translation>
+        <translation>Verkleinern</translation>
     </message>
     <message>
         <source>ZM-</source>
-        <translation type="unfinished"></translation>
+        <translation>ZM-</translation>
     </message>
     <message>
         <source>MOX</source>
-        <translation type="unfinished"></translation>
+        <translation>MOX</translation>
     </message>
     <message>
         <source>Tune</source>
-        <translation type="unfinished"></translation>
+        <translation>Abstimmen</translation>
     </message>
     <message>
         <source>Tun</source>
-        <translation type="unfinished"></translation>
+        <translation>Abst</translation>
     </message>
     <message>
         <source>WF</source>
-        <translation type="unfinished"></translation>
+        <translation>WF</translation>
     </message>
     <message>
         <source>Power On/Off</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein/Aus</translation>
     </message>
     <message>
         <source>PWR</source>
-        <translation type="unfinished"></translation>
+        <translation>E/A</translation>
     </message>
     <message>
         <source>Switch DDS/IF</source>
-        <translation type="unfinished"></translation>
+        <translation>DDS/ZF umschalten</translation>
     </message>
     <message>
         <source>D/I</source>
-        <translation type="unfinished"></translation>
+        <translation>D/Z</translation>
     </message>
     <message>
         <source>Switch Receiver</source>
-        <translation type="unfinished"></translation>
+        <translation>Empfänger wechseln</translation>
     </message>
     <message>
         <source>SR</source>
-        <translation type="unfinished"></translation>
+        <translation>EW</translation>
     </message>
     <message>
         <source>Change VFOA/VFOB</source>
-        <translation type="unfinished"></translation>
+        <translation>VFO A/VFO B wechseln</translation>
     </message>
     <message>
         <source>A/B</source>
-        <translation type="unfinished"></translation>
+        <translation>A/B</translation>
     </message>
     <message>
         <source>SubRX On/Off</source>
-        <translation type="unfinished"></translation>
+        <translation>SubRX ein/aus</translation>
     </message>
     <message>
         <source>VfB</source>
-        <translation type="unfinished"></translation>
+        <translation>VfB</translation>
     </message>
     <message>
         <source>RIT On/Off</source>
-        <translation type="unfinished"></translation>
+        <translation>RIT ein/aus</translation>
     </message>
     <message>
         <source>Rit</source>
-        <translation type="unfinished"></translation>
+        <translation>Rit</translation>
     </message>
     <message>
         <source>RIT Reset</source>
-        <translation type="unfinished"></translation>
+        <translation>RIT zurücksetzen</translation>
     </message>
     <message>
         <source>Rt0</source>
-        <translation type="unfinished"></translation>
+        <translation>Rt0</translation>
     </message>
     <message>
         <source>IF as RIT</source>
-        <translation type="unfinished"></translation>
+        <translation>ZF als RIT</translation>
     </message>
     <message>
         <source>IfR</source>
-        <translation type="unfinished"></translation>
+        <translation>ZfR</translation>
     </message>
     <message>
         <source>XIT On/Off</source>
-        <translation type="unfinished"></translation>
+        <translation>XIT ein/aus</translation>
     </message>
     <message>
         <source>Xit</source>
-        <translation type="unfinished"></translation>
+        <translation>Xit</translation>
     </message>
     <message>
         <source>XIT Reset</source>
-        <translation type="unfinished"></translation>
+        <translation>XIT zurücksetzen</translation>
     </message>
     <message>
         <source>Xt0</source>
-        <translation type="unfinished"></translation>
+        <translation>Xt0</translation>
     </message>
     <message>
         <source>Split</source>
-        <translation type="unfinished"></translation>
+        <translation>Split</translation>
     </message>
     <message>
         <source>Spl</source>
-        <translation type="unfinished"></translation>
+        <translation>Spl</translation>
     </message>
     <message>
         <source>TX / Play</source>
-        <translation type="unfinished"></translation>
+        <translation>TX / Wiedergabe</translation>
     </message>
     <message>
         <source>T/P</source>
-        <translation type="unfinished"></translation>
+        <translation>T/W</translation>
     </message>
     <message>
         <source>Voice recording</source>
-        <translation type="unfinished"></translation>
+        <translation>Sprachaufnahme</translation>
     </message>
     <message>
         <source>V/R</source>
-        <translation type="unfinished"></translation>
+        <translation>Aufn</translation>
     </message>
     <message>
         <source>RX ANT</source>
-        <translation type="unfinished"></translation>
+        <translation>RX-Antenne</translation>
     </message>
     <message>
         <source>RxA</source>
-        <translation type="unfinished"></translation>
+        <translation>RxA</translation>
     </message>
     <message>
         <source>LOCK</source>
-        <translation type="unfinished"></translation>
+        <translation>Sperre</translation>
     </message>
     <message>
         <source>Lock</source>
-        <translation type="unfinished"></translation>
+        <translation>Sperre</translation>
     </message>
     <message>
         <source>A-&gt;B</source>
-        <translation type="unfinished"></translation>
+        <translation>A-&gt;B</translation>
     </message>
     <message>
         <source>B-&gt;A</source>
-        <translation type="unfinished"></translation>
+        <translation>B-&gt;A</translation>
     </message>
     <message>
         <source>B&lt;-&gt;A</source>
-        <translation type="unfinished"></translation>
+        <translation>B&lt;-&gt;A</translation>
     </message>
     <message>
         <source>Swap</source>
-        <translation type="unfinished"></translation>
+        <translation>Tausch</translation>
     </message>
     <message>
         <source>APF</source>
-        <translation type="unfinished"></translation>
+        <translation>APF</translation>
     </message>
     <message>
         <source>Listen both RX1, RX2</source>
-        <translation type="unfinished"></translation>
+        <translation>RX1 und RX2 hören</translation>
     </message>
     <message>
         <source>V.D</source>
-        <translation type="unfinished"></translation>
+        <translation>H.D</translation>
     </message>
     <message>
         <source>Listen RX1 only</source>
-        <translation type="unfinished"></translation>
+        <translation>Nur RX1 hören</translation>
     </message>
     <message>
         <source>V.RX1</source>
-        <translation type="unfinished"></translation>
+        <translation>H.RX1</translation>
     </message>
     <message>
         <source>Listen RX2 only</source>
-        <translation type="unfinished"></translation>
+        <translation>Nur RX2 hören</translation>
     </message>
     <message>
         <source>V.RX2</source>
-        <translation type="unfinished"></translation>
+        <translation>H.RX2</translation>
     </message>
     <message>
         <source>Listen RX1 in left channel - RX2 in right</source>
-        <translation type="unfinished"></translation>
+        <translation>RX1 links - RX2 rechts hören</translation>
     </message>
     <message>
         <source>V.R1L</source>
-        <translation type="unfinished"></translation>
+        <translation>H.R1L</translation>
     </message>
     <message>
         <source>Listen RX1 in right channel - RX2 in left</source>
-        <translation type="unfinished"></translation>
+        <translation>RX1 rechts - RX2 links hören</translation>
     </message>
     <message>
         <source>V.R1R</source>
-        <translation type="unfinished"></translation>
+        <translation>H.R1R</translation>
     </message>
     <message>
         <source>Switch RX and mute former</source>
-        <translation type="unfinished"></translation>
+        <translation>RX wechseln und bisherigen stummschalten</translation>
     </message>
     <message>
         <source>SR.M</source>
-        <translation type="unfinished"></translation>
+        <translation>EW.S</translation>
     </message>
     <message>
         <source>RX2 On/Off</source>
-        <translation type="unfinished"></translation>
+        <translation>RX2 ein/aus</translation>
     </message>
     <message>
         <source>RX2</source>
-        <translation type="unfinished"></translation>
+        <translation>RX2</translation>
     </message>
     <message>
         <source>Listen both VFO A/B</source>
-        <translation type="unfinished"></translation>
+        <translation>VFO A und B hören</translation>
     </message>
     <message>
         <source>V.AB</source>
-        <translation type="unfinished"></translation>
+        <translation>H.AB</translation>
     </message>
     <message>
         <source>Listen VFO A only</source>
-        <translation type="unfinished"></translation>
+        <translation>Nur VFO A hören</translation>
     </message>
     <message>
         <source>V.A</source>
-        <translation type="unfinished"></translation>
+        <translation>H.A</translation>
     </message>
     <message>
         <source>Listen VFO B only</source>
-        <translation type="unfinished"></translation>
+        <translation>Nur VFO B hören</translation>
     </message>
     <message>
         <source>V.B</source>
-        <translation type="unfinished"></translation>
+        <translation>H.B</translation>
     </message>
     <message>
         <source>Listen VFO A in left channel - VFO B in right</source>
-        <translation type="unfinished"></translation>
+        <translation>VFO A links - VFO B rechts hören</translation>
     </message>
     <message>
         <source>V.AL</source>
-        <translation type="unfinished"></translation>
+        <translation>H.AL</translation>
     </message>
     <message>
         <source>Listen VFO A in right channel - VFO B in left</source>
-        <translation type="unfinished"></translation>
+        <translation>VFO A rechts - VFO B links hören</translation>
     </message>
     <message>
         <source>V.AR</source>
-        <translation type="unfinished"></translation>
+        <translation>H.AR</translation>
     </message>
     <message>
         <source>VOX</source>
-        <translation type="unfinished"></translation>
+        <translation>VOX</translation>
     </message>
     <message>
         <source>NF</source>
-        <translation type="unfinished"></translation>
+        <translation>Notch</translation>
     </message>
     <message>
         <source>Volume</source>
-        <translation type="unfinished"></translation>
+        <translation>Lautstärke</translation>
     </message>
     <message>
         <source>Vol</source>
-        <translation type="unfinished"></translation>
+        <translation>Lst</translation>
     </message>
     <message>
         <source>Mic Gain</source>
-        <translation type="unfinished"></translation>
+        <translation>Mikrofonpegel</translation>
     </message>
     <message>
         <source>Mic</source>
-        <translation type="unfinished"></translation>
+        <translation>Mik</translation>
     </message>
     <message>
         <source>Filter Low</source>
-        <translation type="unfinished"></translation>
+        <translation>Filter unten</translation>
     </message>
     <message>
         <source>FL</source>
-        <translation type="unfinished"></translation>
+        <translation>F.u</translation>
     </message>
     <message>
         <source>Filter High</source>
-        <translation type="unfinished"></translation>
+        <translation>Filter oben</translation>
     </message>
     <message>
         <source>FH</source>
-        <translation type="unfinished"></translation>
+        <translation>F.o</translation>
     </message>
     <message>
         <source>Filter Width</source>
-        <translation type="unfinished"></translation>
+        <translation>Filterbreite</translation>
     </message>
     <message>
         <source>FW</source>
-        <translation type="unfinished"></translation>
+        <translation>FB</translation>
     </message>
     <message>
         <source>Filter Shift</source>
-        <translation type="unfinished"></translation>
+        <translation>Filterverschiebung</translation>
     </message>
     <message>
         <source>FS</source>
-        <translation type="unfinished"></translation>
+        <translation>FV</translation>
     </message>
     <message>
         <source>Drive</source>
-        <translation type="unfinished"></translation>
+        <translation>Sendepegel</translation>
     </message>
     <message>
         <source>Drv</source>
-        <translation type="unfinished"></translation>
+        <translation>Pgl</translation>
     </message>
     <message>
         <source>IF</source>
-        <translation type="unfinished"></translation>
+        <translation>ZF</translation>
     </message>
     <message>
         <source>RF Gain</source>
-        <translation type="unfinished"></translation>
+        <translation>HF-Verstärkung</translation>
     </message>
     <message>
         <source>RF</source>
-        <translation type="unfinished"></translation>
+        <translation>HF</translation>
     </message>
     <message>
         <source>CW Speed</source>
-        <translation type="unfinished"></translation>
+        <translation>CW-Tempo</translation>
     </message>
     <message>
         <source>CWS</source>
-        <translation type="unfinished"></translation>
+        <translation>CWT</translation>
     </message>
     <message>
         <source>RIT Offset</source>
-        <translation type="unfinished"></translation>
+        <translation>RIT-Ablage</translation>
     </message>
     <message>
         <source>XIT Offset</source>
-        <translation type="unfinished"></translation>
+        <translation>XIT-Ablage</translation>
     </message>
     <message>
         <source>Main</source>
-        <translation type="unfinished"></translation>
+        <translation>Allgemein</translation>
     </message>
     <message>
         <source>VFO/RX2</source>
-        <translation type="unfinished"></translation>
+        <translation>VFO/RX2</translation>
     </message>
     <message>
         <source>Audio</source>
-        <translation type="unfinished"></translation>
+        <translation>Audio</translation>
     </message>
     <message>
         <source>DSP</source>
-        <translation type="unfinished"></translation>
+        <translation>DSP</translation>
     </message>
 </context>
 </TS>
