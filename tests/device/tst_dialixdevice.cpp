@@ -1,0 +1,353 @@
+// The panel device with its reader thread, over simulated panels.
+#include "tests/device/panelrecorder.h"
+#include "tools/virtualpanel/virtualpanel.h"
+
+#include <QAtomicInt>
+#include <QElapsedTimer>
+#include <QtTest>
+
+namespace vp = VirtualPanel;
+
+namespace {
+constexpr int Timeout = 5000;
+}
+
+class TestDialixDevice : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { PanelRecorder::registerTypes(); }
+    void init() { vp::reset(); }
+    void cleanup()
+    {
+        // Every test closes what it opened.
+        QCOMPARE(vp::openHandles(), 0);
+        vp::reset();
+    }
+
+    void openNeedsAListedPanel();
+    void opensTheFirstListedPanel();
+    void findDevicesLeavesAnOpenHandleAlone();
+    void deliversOnTheOwnersThread();
+    void keysHeldAtFirstOpenArePressed();
+    void reopenComparesWithLastWordSeen();
+    void ledsOnlyWhileOpen();
+    void queuedReportsGoOutBeforeTheNextRead();
+    void closeTurnsTheLedsOffInOrder();
+    void readErrorsAreIgnoredWithoutSpinning();
+    void failedWriteIsDropped();
+    void unpluggedPanelStillCloses();
+    void destructorClosesAnOpenPanel();
+
+private:
+    static bool openFirst(Dialix &device)
+    {
+        device.findDevices();
+        return device.openDevice();
+    }
+};
+
+void TestDialixDevice::openNeedsAListedPanel()
+{
+    Dialix device;
+    // Nothing listed yet: not even a plugged panel is opened without findDevices().
+    const int panel = vp::plug("A");
+    QVERIFY(!device.openDevice());
+
+    vp::setEnumerateFails(true);
+    device.findDevices();
+    QVERIFY(device.devices().isEmpty());
+    QVERIFY(!device.enumeration());
+    QVERIFY(!device.openDevice());
+    vp::setEnumerateFails(false);
+
+    vp::setOpenFails(panel, true);
+    QVERIFY(!openFirst(device));
+    QVERIFY(!device.isOpen());
+    QCOMPARE(vp::openHandles(panel), 0);
+    QCOMPARE(device.closeDevice(), Dialix::NotOpen);
+
+    vp::setOpenFails(panel, false);
+    QVERIFY(openFirst(device));
+    QVERIFY(!device.openDevice()); // already open: no second handle
+    QCOMPARE(vp::openHandles(panel), 1);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+}
+
+void TestDialixDevice::opensTheFirstListedPanel()
+{
+    const int a = vp::plug("A");
+    const int b = vp::plug("B");
+    Dialix device;
+    device.findDevices();
+    QCOMPARE(device.devices().size(), 2);
+    QCOMPARE(QString::fromWCharArray(device.devices().at(1)->serial_number), QStringLiteral("B"));
+    QCOMPARE(device.enumeration(), device.devices().first());
+
+    QVERIFY(device.openDevice());
+    QCOMPARE(vp::openHandles(a), 1);
+    QCOMPARE(vp::openHandles(b), 0);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+}
+
+void TestDialixDevice::findDevicesLeavesAnOpenHandleAlone()
+{
+    const int a = vp::plug("A");
+    Dialix device;
+    PanelRecorder recorder(&device);
+    QVERIFY(openFirst(device));
+
+    vp::unplug(a);
+    vp::plug("B");
+    device.findDevices();
+    QCOMPARE(device.devices().size(), 1);
+    QVERIFY(device.isOpen());
+    QCOMPARE(vp::openHandles(), 1);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+    QCOMPARE(vp::openHandles(), 0);
+}
+
+void TestDialixDevice::deliversOnTheOwnersThread()
+{
+    const int panel = vp::plug("A");
+    Dialix device;
+    PanelRecorder recorder(&device);
+    QVERIFY(openFirst(device));
+
+    vp::pressKey(panel, 3);
+    vp::turnDial(panel, 0, -300); // split over three reports
+    vp::pushDial(panel, 2, true);
+    vp::setPtt(panel, true);
+    vp::setDash(panel, true);
+    vp::setDot(panel, true);
+    vp::releaseKey(panel, 3);
+    vp::pushDial(panel, 2, false);
+    vp::setPtt(panel, false);
+
+    const QStringList expected {
+        "button(3,1)",      "dial(0,-128)",     "dial(0,-128)", "dial(0,-44)",
+        "dialButton(17,1)", "ptt(1)",           "dash(1)",      "dot(1)",
+        "button(3,0)",      "dialButton(17,0)", "ptt(0)"};
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.log, expected, Timeout);
+    QVERIFY(!recorder.wrongThread);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+}
+
+void TestDialixDevice::keysHeldAtFirstOpenArePressed()
+{
+    const int panel = vp::plug("A");
+    vp::setSwitches(panel, (1u << 5) | (1u << 20));
+    Dialix device;
+    PanelRecorder recorder(&device);
+    QVERIFY(openFirst(device));
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.log, (QStringList {"button(5,1)", "dash(1)"}), Timeout);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+}
+
+void TestDialixDevice::reopenComparesWithLastWordSeen()
+{
+    const int panel = vp::plug("A");
+    Dialix device;
+    PanelRecorder recorder(&device);
+    QVERIFY(openFirst(device));
+    vp::pressKey(panel, 4);
+    vp::pressKey(panel, 6);
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.log.size(), 2, Timeout);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+    recorder.log.clear();
+
+    // While closed: key 4 released, key 5 pressed, key 6 still held.
+    vp::releaseKey(panel, 4);
+    vp::pressKey(panel, 5);
+    QVERIFY(openFirst(device));
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.log, (QStringList {"button(4,0)", "button(5,1)"}), Timeout);
+
+    // A report repeating the last word after another reopen reports nothing.
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+    recorder.log.clear();
+    vp::queueReport(panel, vp::makeReport(vp::switches(panel)));
+    vp::turnDial(panel, 1, 1); // marks the end of the input
+    QVERIFY(openFirst(device));
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.log, QStringList {"dial(1,1)"}, Timeout);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+}
+
+void TestDialixDevice::ledsOnlyWhileOpen()
+{
+    const int panel = vp::plug("A");
+    Dialix device;
+    device.setLed(Dialix::LedKeys, true);
+    QCOMPARE(device.ledMask(), quint8(0));
+
+    QVERIFY(openFirst(device));
+    QTest::qWait(20);
+    QCOMPARE(vp::writeCount(panel), 0); // the earlier call left nothing behind
+
+    device.setLed(Dialix::LedKeys, true);
+    device.setLed(Dialix::LedDials, true);
+    device.setLed(Dialix::LedKeys, false);
+    device.setLed(8, true); // not a bit of the mask
+    QCOMPARE(device.ledMask(), quint8(0x08));
+    QVERIFY(vp::waitForWrites(panel, 3, Timeout));
+    QCOMPARE(vp::writes(panel),
+             (QList<QByteArray> {QByteArray("\x00\x10", 2), QByteArray("\x00\x18", 2),
+                                 QByteArray("\x00\x08", 2)}));
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+}
+
+void TestDialixDevice::queuedReportsGoOutBeforeTheNextRead()
+{
+    const int panel = vp::plug("A");
+    Dialix device;
+    QVERIFY(openFirst(device));
+
+    // Note how many reads had happened when each report reached the panel.
+    QList<int> readsAtWrite;
+    QMutex mutex;
+    const int listener = vp::addWriteListener([&](int, const QByteArray &) {
+        const int reads = vp::readCalls(panel);
+        QMutexLocker lock(&mutex);
+        readsAtWrite.append(reads);
+    });
+
+    // Hold the reader inside the first write while three more are queued.
+    vp::setWritesBlock(panel, true);
+    device.pushReport(QByteArray("\x00\x01", 2));
+    QTRY_COMPARE_WITH_TIMEOUT(vp::blockedWrites(panel), 1, Timeout);
+    for (const char mask : {'\x02', '\x03', '\x04'})
+        device.pushReport(QByteArray(1, '\0') + mask);
+    vp::setWritesBlock(panel, false);
+
+    QVERIFY(vp::waitForWrites(panel, 4, Timeout));
+    QCOMPARE(vp::ledMasks(panel), (QList<quint8> {1, 2, 3, 4}));
+    {
+        QMutexLocker lock(&mutex);
+        QCOMPARE(readsAtWrite.size(), 4);
+        QCOMPARE(readsAtWrite.count(readsAtWrite.first()), 4);
+    }
+    vp::removeWriteListener(listener);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+}
+
+void TestDialixDevice::closeTurnsTheLedsOffInOrder()
+{
+    // Bits 0, 2, 1, 3, 4 go off one report at a time. The reports reach the
+    // panel only if the reader writes them within the 10 ms that close waits;
+    // on a loaded machine it may miss that once, so allow a few attempts but
+    // never a wrong order.
+    const QList<quint8> expected {0x1E, 0x1A, 0x18, 0x10, 0x00};
+    const int panel = vp::plug("A");
+    Dialix device;
+    bool complete = false;
+    for (int attempt = 0; attempt < 3 && !complete; ++attempt) {
+        QVERIFY(openFirst(device));
+        for (int bit = 0; bit < 5; ++bit)
+            device.setLed(bit, true);
+        QVERIFY(vp::waitForWrites(panel, 5, Timeout));
+        vp::clearWrites(panel);
+
+        QCOMPARE(device.closeDevice(), Dialix::Closed);
+        QVERIFY(!device.isOpen());
+        QCOMPARE(device.ledMask(), quint8(0));
+        QCOMPARE(vp::openHandles(panel), 0);
+        const QList<quint8> masks = vp::ledMasks(panel);
+        QCOMPARE(masks, expected.mid(0, masks.size()));
+        complete = masks.size() == expected.size();
+    }
+    QVERIFY(complete);
+
+    vp::clearWrites(panel);
+    QCOMPARE(device.closeDevice(), Dialix::NotOpen);
+    QTest::qWait(20);
+    QCOMPARE(vp::writeCount(panel), 0);
+}
+
+void TestDialixDevice::readErrorsAreIgnoredWithoutSpinning()
+{
+    const int panel = vp::plug("A");
+    Dialix device;
+    PanelRecorder recorder(&device);
+
+    // A one-off error and a short report in the stream change nothing.
+    vp::queueReadError(panel);
+    vp::queueReport(panel, vp::makeReport(1u << 9).left(16));
+    vp::pressKey(panel, 1);
+    QVERIFY(openFirst(device));
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.log, QStringList {"button(1,1)"}, Timeout);
+
+    // Reads that fail at once, as on an unplugged hidraw node: the loop keeps
+    // its 5 ms pace (about 40 reads in 200 ms; a spinning loop makes thousands).
+    vp::setReadsFail(panel, true);
+    const int before = vp::readCalls(panel);
+    QElapsedTimer clock;
+    clock.start();
+    QTest::qWait(200);
+    const int reads = vp::readCalls(panel) - before;
+    const qint64 ms = clock.elapsed();
+    QVERIFY2(reads <= ms / Dialix::ReadTimeoutMs + 10,
+             qPrintable(QStringLiteral("%1 reads in %2 ms").arg(reads).arg(ms)));
+
+    // A report queued meanwhile still goes out promptly, and reading resumes.
+    device.setLed(Dialix::LedTransmit, true);
+    QVERIFY(vp::waitForWrites(panel, 1, Timeout));
+    vp::setReadsFail(panel, false);
+    vp::releaseKey(panel, 1);
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.log, (QStringList {"button(1,1)", "button(1,0)"}), Timeout);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+}
+
+void TestDialixDevice::failedWriteIsDropped()
+{
+    const int panel = vp::plug("A");
+    Dialix device;
+    PanelRecorder recorder(&device);
+    QVERIFY(openFirst(device));
+
+    vp::setWritesFail(panel, true);
+    device.setLed(Dialix::LedVfoB, true);
+    QTRY_COMPARE_WITH_TIMEOUT(vp::failedWrites(panel), 1, Timeout);
+    vp::setWritesFail(panel, false);
+    vp::pressKey(panel, 2);
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.log, QStringList {"button(2,1)"}, Timeout);
+    QCOMPARE(vp::failedWrites(panel), 1); // not retried
+    QCOMPARE(vp::writeCount(panel), 0);
+
+    // The mask is not rolled back: the next report carries it again.
+    device.setLed(Dialix::LedDials, true);
+    QVERIFY(vp::waitForWrites(panel, 1, Timeout));
+    QCOMPARE(vp::ledMask(panel), 0x09);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+}
+
+void TestDialixDevice::unpluggedPanelStillCloses()
+{
+    const int panel = vp::plug("A");
+    Dialix device;
+    QVERIFY(openFirst(device));
+    device.setLed(Dialix::LedKeys, true);
+    QVERIFY(vp::waitForWrites(panel, 1, Timeout));
+
+    vp::unplug(panel);
+    QTest::qWait(20); // the reader now fails every read
+    QVERIFY(device.isOpen()); // the class does not notice the unplug by itself
+    QCOMPARE(vp::openHandles(), 1);
+    QCOMPARE(device.closeDevice(), Dialix::Closed);
+    QCOMPARE(vp::openHandles(), 0);
+}
+
+void TestDialixDevice::destructorClosesAnOpenPanel()
+{
+    const int panel = vp::plug("A");
+    {
+        Dialix device;
+        QVERIFY(openFirst(device));
+        device.setLed(Dialix::LedReceiver2, true);
+        QVERIFY(vp::waitForWrites(panel, 1, Timeout));
+    }
+    QCOMPARE(vp::openHandles(panel), 0);
+    QVERIFY(vp::ledMasks(panel).size() <= 6); // 0x02, then the LED-off reports
+}
+
+QTEST_GUILESS_MAIN(TestDialixDevice)
+#include "tst_dialixdevice.moc"

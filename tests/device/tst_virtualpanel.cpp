@@ -1,0 +1,169 @@
+// The simulated panels behave like hidapi over hidraw where the tests rely on it.
+#include "tools/virtualpanel/virtualpanel.h"
+
+#include <QElapsedTimer>
+#include <QtTest>
+
+#include <hidapi.h>
+
+#include <thread>
+
+namespace vp = VirtualPanel;
+
+class TestVirtualPanel : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { vp::reset(); }
+    void cleanup() { QCOMPARE(vp::openHandles(), 0); }
+
+    void enumeratesInPlugOrder();
+    void opensBySerialAndPath();
+    void readsLikeHidraw();
+    void readWaitsAndWakes();
+    void unplugFailsOpenHandles();
+    void operatorActionsReportChangesOnly();
+};
+
+void TestVirtualPanel::enumeratesInPlugOrder()
+{
+    const int a = vp::plug("A");
+    vp::PanelInfo other;
+    other.productId = 0x0004;
+    vp::plug(other);
+    vp::PanelInfo second;
+    second.serial = "B";
+    second.product = "Dialix II";
+    second.interfaceNumber = 1;
+    const int b = vp::plug(second);
+
+    hid_device_info *list = hid_enumerate(vp::DialixVendorId, vp::DialixProductId);
+    QStringList seen;
+    for (hid_device_info *i = list; i; i = i->next)
+        seen << QString::fromWCharArray(i->serial_number) + "/"
+                + QString::fromWCharArray(i->product_string) + "/"
+                + QString::number(i->interface_number) + "/" + i->path;
+    hid_free_enumeration(list);
+    QCOMPARE(seen,
+             (QStringList {"A/Dialix/0/" + QString::fromLatin1(vp::path(a)),
+                           "B/Dialix II/1/" + QString::fromLatin1(vp::path(b))}));
+
+    list = hid_enumerate(0, 0);
+    int all = 0;
+    for (hid_device_info *i = list; i; i = i->next)
+        ++all;
+    hid_free_enumeration(list);
+    QCOMPARE(all, 3);
+    QCOMPARE(vp::enumerations(), 2);
+}
+
+void TestVirtualPanel::opensBySerialAndPath()
+{
+    const int a = vp::plug("A");
+    const int b = vp::plug("B");
+    QVERIFY(!hid_open(vp::DialixVendorId, vp::DialixProductId, L"C"));
+    QVERIFY(QString::fromWCharArray(hid_error(nullptr)) != "Success");
+
+    hid_device *first = hid_open(vp::DialixVendorId, vp::DialixProductId, nullptr);
+    hid_device *byPath = hid_open_path(vp::path(b).constData());
+    QVERIFY(first && byPath);
+    QCOMPARE(vp::openHandles(a), 1);
+    QCOMPARE(vp::openHandles(b), 1);
+    wchar_t text[4];
+    QCOMPARE(hid_get_serial_number_string(byPath, text, 4), 0);
+    QCOMPARE(QString::fromWCharArray(text), QStringLiteral("B"));
+    QCOMPARE(hid_get_product_string(first, text, 4), 0); // cut to fit
+    QCOMPARE(QString::fromWCharArray(text), QStringLiteral("Dia"));
+    hid_close(first);
+    hid_close(byPath);
+
+    vp::setOpenFails(a, true);
+    QVERIFY(!hid_open(vp::DialixVendorId, vp::DialixProductId, L"A"));
+    QVERIFY(QString::fromWCharArray(hid_error(nullptr)).contains("Permission denied"));
+}
+
+void TestVirtualPanel::readsLikeHidraw()
+{
+    const int panel = vp::plug("A");
+    vp::queueReport(panel, QByteArray(20, 'x')); // longer than asked: cut
+    vp::queueReport(panel, QByteArray(3, 'y')); // shorter: as is
+    vp::queueReadError(panel);
+    vp::queueReport(panel, vp::makeReport(0x030201, -1));
+
+    hid_device *dev = hid_open(vp::DialixVendorId, vp::DialixProductId, L"A");
+    QVERIFY(dev);
+    unsigned char buffer[vp::InputReportSize + 8] = {};
+    QCOMPARE(hid_read_timeout(dev, buffer, vp::InputReportSize, 0), vp::InputReportSize);
+    QCOMPARE(buffer[vp::InputReportSize], 0); // nothing beyond what was asked
+    QCOMPARE(hid_read_timeout(dev, buffer, vp::InputReportSize, 0), 3);
+    QCOMPARE(hid_read_timeout(dev, buffer, vp::InputReportSize, 0), -1);
+    QCOMPARE(hid_read(dev, buffer, vp::InputReportSize), vp::InputReportSize);
+    QCOMPARE(QByteArray(reinterpret_cast<char *>(buffer), 4), QByteArray("\x00\x01\x02\x03", 4));
+    QCOMPARE(buffer[13], 0xFF);
+    QCOMPARE(hid_read_timeout(dev, buffer, vp::InputReportSize, 0), 0);
+    QCOMPARE(vp::readCalls(panel), 5);
+
+    QCOMPARE(hid_write(dev, reinterpret_cast<const unsigned char *>("\x00\x11"), 2), 2);
+    QCOMPARE(vp::ledMask(panel), 0x11);
+    hid_close(dev);
+}
+
+void TestVirtualPanel::readWaitsAndWakes()
+{
+    const int panel = vp::plug("A");
+    hid_device *dev = hid_open(vp::DialixVendorId, vp::DialixProductId, nullptr);
+    unsigned char buffer[vp::InputReportSize];
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(hid_read_timeout(dev, buffer, sizeof buffer, 30), 0);
+    QVERIFY(clock.elapsed() >= 29);
+
+    // A report queued by another thread ends a long wait early.
+    std::thread pusher([panel] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        vp::pressKey(panel, 1);
+    });
+    clock.restart();
+    QCOMPARE(hid_read_timeout(dev, buffer, sizeof buffer, 20000), vp::InputReportSize);
+    pusher.join();
+    QVERIFY(clock.elapsed() < 10000);
+    QCOMPARE(buffer[1], 0x02);
+    hid_close(dev);
+}
+
+void TestVirtualPanel::unplugFailsOpenHandles()
+{
+    const int panel = vp::plug("A");
+    hid_device *dev = hid_open(vp::DialixVendorId, vp::DialixProductId, nullptr);
+    unsigned char buffer[vp::InputReportSize];
+    std::thread unplugger([panel] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        vp::unplug(panel);
+    });
+    QCOMPARE(hid_read_timeout(dev, buffer, sizeof buffer, -1), -1); // woken by the unplug
+    unplugger.join();
+    QCOMPARE(hid_read_timeout(dev, buffer, sizeof buffer, 10000), -1);
+    QCOMPARE(hid_write(dev, buffer, 2), -1);
+    QVERIFY(QString::fromWCharArray(hid_error(dev)).contains("disconnected"));
+    QVERIFY(vp::panels().isEmpty());
+    QCOMPARE(vp::openHandles(), 1);
+    hid_close(dev);
+}
+
+void TestVirtualPanel::operatorActionsReportChangesOnly()
+{
+    const int panel = vp::plug("A");
+    vp::pressKey(panel, 14);
+    vp::pressKey(panel, 14);
+    vp::pressKey(panel, 15); // not a key
+    vp::pushDial(panel, 0, true);
+    vp::setDot(panel, true);
+    vp::turnDial(panel, 3, 200);
+    vp::setSwitches(panel, 0xFFFFFFFF);
+    QCOMPARE(vp::switches(panel), 0xFFFFFFu);
+    QCOMPARE(vp::pendingReports(panel), 6);
+}
+
+QTEST_GUILESS_MAIN(TestVirtualPanel)
+#include "tst_virtualpanel.moc"
