@@ -2,8 +2,8 @@
 #include "tests/device/panelrecorder.h"
 #include "tools/virtualpanel/virtualpanel.h"
 
-#include <QAtomicInt>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 #include <QtTest>
 
 namespace vp = VirtualPanel;
@@ -198,18 +198,24 @@ void TestDialixDevice::ledsOnlyWhileOpen()
 
 void TestDialixDevice::queuedReportsGoOutBeforeTheNextRead()
 {
+    // Note how many reads had happened when each report reached the panel.
+    // Declared before the device, so they outlive its reader thread.
+    QList<int> readsAtWrite;
+    QMutex mutex;
+    const auto recorded = [&] {
+        QMutexLocker lock(&mutex);
+        return readsAtWrite;
+    };
+
     const int panel = vp::plug("A");
     Dialix device;
     QVERIFY(openFirst(device));
-
-    // Note how many reads had happened when each report reached the panel.
-    QList<int> readsAtWrite;
-    QMutex mutex;
     const int listener = vp::addWriteListener([&](int, const QByteArray &) {
         const int reads = vp::readCalls(panel);
         QMutexLocker lock(&mutex);
         readsAtWrite.append(reads);
     });
+    const auto removeListener = qScopeGuard([listener] { vp::removeWriteListener(listener); });
 
     // Hold the reader inside the first write while three more are queued.
     vp::setWritesBlock(panel, true);
@@ -219,14 +225,9 @@ void TestDialixDevice::queuedReportsGoOutBeforeTheNextRead()
         device.pushReport(QByteArray(1, '\0') + mask);
     vp::setWritesBlock(panel, false);
 
-    QVERIFY(vp::waitForWrites(panel, 4, Timeout));
+    QTRY_COMPARE_WITH_TIMEOUT(recorded().size(), 4, Timeout);
     QCOMPARE(vp::ledMasks(panel), (QList<quint8> {1, 2, 3, 4}));
-    {
-        QMutexLocker lock(&mutex);
-        QCOMPARE(readsAtWrite.size(), 4);
-        QCOMPARE(readsAtWrite.count(readsAtWrite.first()), 4);
-    }
-    vp::removeWriteListener(listener);
+    QCOMPARE(recorded().count(recorded().first()), 4);
     QCOMPARE(device.closeDevice(), Dialix::Closed);
 }
 

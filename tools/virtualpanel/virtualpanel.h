@@ -144,7 +144,8 @@ bool waitForWrites(int panel, int count, int timeoutMs);
 // reader thread of the code under test), after it was recorded and with no lock
 // held. A GUI should hand the call over to its own thread (for example with
 // QMetaObject::invokeMethod and Qt::QueuedConnection). Returns an id for
-// removeWriteListener().
+// removeWriteListener(). A call already under way on another thread is not
+// waited for: stop the writer first, or keep what the listener uses alive.
 using WriteListener = std::function<void(int panel, const QByteArray &report)>;
 int addWriteListener(WriteListener listener);
 void removeWriteListener(int id);
