@@ -15,3 +15,51 @@ if(NOT WIN32)
     target_link_libraries(dialix_devicewatcher PRIVATE PkgConfig::LIBUDEV)
 endif()
 dialix_warnings(dialix_devicewatcher)
+
+if(NOT TARGET dialix_control)
+    return()
+endif()
+
+# The root object with its embedded metadata.
+add_library(dialix_root STATIC
+    ${_dialix_src}/controldialix.h
+    ${_dialix_src}/controldialix.cpp
+    ${_dialix_src}/dialix.json)
+target_link_libraries(dialix_root PUBLIC dialix_control dialix_devicewatcher dialix_hidapi_headers)
+dialix_warnings(dialix_root)
+
+# The loadable plug-ins. The root library goes in whole: nothing inside the
+# module refers to the plug-in entry points, the loader does.
+function(dialix_plugin_module target)
+    add_library(${target} MODULE ${_dialix_src}/dialix.json)
+    set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX PREFIX "lib")
+    target_link_libraries(${target} PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,dialix_root>" ${ARGN})
+    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+endfunction()
+
+# libdialix.so: the panels through Debian's hidapi (hidraw back end). hidapi is
+# linked in statically and bound inside the module, so the plug-in talks to the
+# real bus even in a process that also carries the virtual panel (the reference
+# host); its hid_* functions are exported under their own names.
+find_library(DIALIX_HIDAPI_STATIC NAMES libhidapi-hidraw.a)
+if(DIALIX_HIDAPI_STATIC)
+    dialix_plugin_module(dialix ${DIALIX_HIDAPI_STATIC} PkgConfig::LIBUDEV)
+    target_link_options(dialix PRIVATE -Wl,-Bsymbolic)
+else()
+    dialix_plugin_module(dialix dialix_hidapi_real)
+endif()
+
+# libdialix_virtual.so: the same plug-in over the virtual panel. The virtual
+# panel lives in a shared library so that the plug-in and whoever drives the
+# panels (the reference host, the tests) share its one state.
+if(DIALIX_BUILD_TOOLS)
+    add_library(dialix_virtualpanel_shared SHARED ${CMAKE_SOURCE_DIR}/tools/virtualpanel/virtualpanel.h)
+    set_target_properties(dialix_virtualpanel_shared PROPERTIES
+        LINKER_LANGUAGE CXX OUTPUT_NAME dialix_virtualpanel)
+    target_link_libraries(dialix_virtualpanel_shared
+        PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,dialix_virtualpanel>"
+        PUBLIC Qt5::Core dialix_hidapi_headers)
+    target_link_options(dialix_virtualpanel_shared PRIVATE -Wl,--no-undefined)
+
+    dialix_plugin_module(dialix_virtual dialix_virtualpanel_shared)
+endif()

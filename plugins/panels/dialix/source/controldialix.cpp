@@ -1,0 +1,302 @@
+#include "controldialix.h"
+
+#include "command/commandtable.h"
+#include "command/qrvcommand.h"
+#include "interfaces/cwkeycontrolabstract.h"
+#include "interfaces/devicemanagerabstract.h"
+#include "plugins/panels/dialix/source/devicewatcher.h"
+#include "plugins/panels/dialix/source/dialixcontrol.h"
+#include "plugins/panels/dialix/source/dialixoptions.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QLayout>
+#include <QPointer>
+#include <QSettings>
+#include <QTabWidget>
+#include <QTimer>
+
+#include <hidapi.h>
+
+#include <system_error>
+
+namespace {
+
+constexpr bool sameName(const char *a, const char *b)
+{
+    while (*a && *a == *b) {
+        ++a;
+        ++b;
+    }
+    return *a == *b;
+}
+
+// The id of a decoded signal, looked up in the command table.
+constexpr int commandIdOf(const char *signal)
+{
+    for (const qrv::Method &m : qrv::decodedSignals) {
+        if (sameName(m.name, signal))
+            return m.id;
+    }
+    return -1;
+}
+
+constexpr int CwKeyObjectId = commandIdOf("sCWKeyObject");
+static_assert(CwKeyObjectId >= 0, "the command table lacks the CW-key announcement");
+
+// The subsystem whose device changes make the root count its panels again.
+// DIALIX_HOTPLUG_SUBSYSTEM replaces it, so that a test can drive the real
+// monitor with a device it can create (a tun interface is "net").
+QByteArray hotplugSubsystem()
+{
+    const QByteArray chosen = qgetenv("DIALIX_HOTPLUG_SUBSYSTEM");
+    return chosen.isEmpty() ? QByteArrayLiteral("hidraw") : chosen;
+}
+
+bool enabled(const DialixControl &controller)
+{
+    return controller.optionsWidget()->ui->chbEnable->isChecked();
+}
+
+// The codecs learn the CW-key object from the same announcement the host sends.
+void giveCwKey(DialixControl &controller, CwKeyControlAbstract *key)
+{
+    controller.command()->setCommand(
+        QVariantList {CwKeyObjectId, QVariant::fromValue(qulonglong(quintptr(key)))});
+}
+
+} // namespace
+
+ControlDialix::ControlDialix()
+    : DialixAbstract(nullptr)
+{
+    setObjectName(QStringLiteral("ControlDialix"));
+
+    // The panel's events are queued from its reader thread.
+    qRegisterMetaType<Dialix::Buttons>("Dialix::Buttons");
+    qRegisterMetaType<Dialix::Dials>("Dialix::Dials");
+    qRegisterMetaType<Dialix::DialButtons>("Dialix::DialButtons");
+
+    codec = std::make_shared<qrvCommand>();
+
+    hid_init();
+    channels = 1;
+
+    tabWidget = new QTabWidget;
+    tabWidget->setObjectName(QStringLiteral("DialixmainTab"));
+
+    // Every controller reads the plug-in's own file here, whether or not the
+    // host has handed over settings yet. The panels are counted anew after
+    // each controller.
+    int target = qMax(deviceCount(), 1);
+    for (int i = 0; i < target; ++i) {
+        std::shared_ptr<DialixControl> controller = addController();
+        controller->loadOptions();
+        target = qMax(deviceCount(), 1);
+    }
+
+    if (QCoreApplication *app = QCoreApplication::instance())
+        app->installNativeEventFilter(this);
+
+    watcher = new DeviceWatcher(hotplugSubsystem(), this);
+    connect(watcher, &DeviceWatcher::deviceChanged, this, &ControlDialix::deviceChanged);
+
+    connect(codec.get(), &qrvCommand::sDeviceChanged, this, &ControlDialix::deviceChanged);
+    connect(codec.get(), &qrvCommand::sCWKeyObject, this, &ControlDialix::setCwKeyObject);
+}
+
+ControlDialix::~ControlDialix()
+{
+    // The controllers close their own panels as they go. The tab widget belongs
+    // to the host once addWidget() ran; before that nobody else knows it.
+    controllers.clear();
+    if (tabWidget && !tabWidget->parent())
+        delete tabWidget;
+    if (QCoreApplication *app = QCoreApplication::instance())
+        app->removeNativeEventFilter(this);
+}
+
+QString ControlDialix::name() const
+{
+    return QStringLiteral("Dialix");
+}
+
+bool ControlDialix::addWidget(QLayout *layout)
+{
+    if (!layout)
+        return false;
+    layout->addWidget(tabWidget);
+    return true;
+}
+
+void ControlDialix::closeDevices()
+{
+    for (const auto &controller : qAsConst(controllers))
+        controller->panel().closeDevice();
+}
+
+void ControlDialix::saveSettings(QSettings *s)
+{
+    if (!s)
+        return;
+    settings = s;
+    for (const auto &controller : qAsConst(controllers))
+        controller->writeAssignments(*s);
+}
+
+void ControlDialix::readSettings(QSettings *s)
+{
+    if (!s)
+        return;
+    settings = s;
+    for (const auto &controller : qAsConst(controllers))
+        controller->readAssignments(*s);
+
+    // Give the host time to finish its own start-up, then re-open the enabled
+    // panels; the GUI thread does not go on until that has finished.
+    QPointer<ControlDialix> self(this);
+    QTimer::singleShot(DeferredStartMs, [self] {
+        if (!self)
+            return;
+        try {
+            self->updateDevices();
+        } catch (const std::system_error &e) {
+            qDebug() << Q_FUNC_INFO << e.what();
+        }
+    });
+}
+
+void ControlDialix::saveExtraSettings(QSettings *s)
+{
+    if (!s)
+        return;
+    for (const auto &controller : qAsConst(controllers))
+        controller->writeHostAssignments(*s);
+}
+
+void ControlDialix::readExtraSettings(QSettings *s)
+{
+    if (!s)
+        return;
+    for (const auto &controller : qAsConst(controllers))
+        controller->readHostAssignments(*s);
+}
+
+void ControlDialix::refreshState()
+{
+    // The controllers follow the host through its signals; there is nothing
+    // to pull here.
+}
+
+qrvCommand *ControlDialix::command()
+{
+    return codec.get();
+}
+
+void ControlDialix::setManager(DeviceManagerAbstract *m)
+{
+    if (m == manager)
+        return;
+    manager = m;
+    cwKey = m ? m->cwKeyControl() : nullptr;
+    for (const auto &controller : qAsConst(controllers))
+        controller->setDevManager(m);
+}
+
+bool ControlDialix::nativeEventFilter(const QByteArray &eventType, void *message, long *result)
+{
+    Q_UNUSED(result)
+    if (DeviceWatcher::isDeviceTreeChange(eventType, message))
+        deviceChanged();
+    return false;
+}
+
+void ControlDialix::setCommand(QVariant cmd)
+{
+    codec->setCommand(cmd);
+}
+
+void ControlDialix::setChannels(uint value)
+{
+    if (value == channels)
+        return;
+    channels = value ? value : 1;
+    for (const auto &controller : qAsConst(controllers))
+        controller->setChannels(channels);
+}
+
+void ControlDialix::setCwKeyObject(QObject *p)
+{
+    cwKey = qobject_cast<CwKeyControlAbstract *>(p);
+    for (const auto &controller : qAsConst(controllers))
+        giveCwKey(*controller, cwKey);
+}
+
+void ControlDialix::deviceChanged()
+{
+    for (const auto &controller : qAsConst(controllers))
+        controller->panel().closeDevice();
+
+    const int target = qMax(deviceCount(), 1);
+    while (controllers.size() < target) {
+        std::shared_ptr<DialixControl> controller = addController();
+        controller->setChannels(channels);
+        if (settings)
+            controller->loadOptions();
+    }
+    while (controllers.size() > target)
+        removeLastController();
+
+    for (int i = 0; i < controllers.size(); ++i) {
+        DialixControl &controller = *controllers.at(i);
+        // The first controller keeps what setManager() gave it.
+        if (i > 0) {
+            giveCwKey(controller, cwKey);
+            controller.setDevManager(manager);
+        }
+        if (enabled(controller))
+            controller.open(true);
+    }
+}
+
+void ControlDialix::updateDevices()
+{
+    for (const auto &controller : qAsConst(controllers))
+        controller->panel().closeDevice();
+    for (const auto &controller : qAsConst(controllers)) {
+        if (enabled(*controller))
+            controller->open(true);
+    }
+}
+
+int ControlDialix::deviceCount()
+{
+    probe.findDevices();
+    QStringList products;
+    for (const hid_device_info *info = probe.enumeration(); info; info = info->next)
+        products << QString::fromWCharArray(info->product_string ? info->product_string : L"");
+    return products.size();
+}
+
+std::shared_ptr<DialixControl> ControlDialix::addController()
+{
+    auto controller = std::make_shared<DialixControl>();
+    controllers.append(controller);
+    const int number = controllers.size();
+    controller->setNumber(number - 1);
+    connect(controller->command(), &qrvCommand::sCommand, this, &DialixAbstract::sCommand);
+    tabWidget->addTab(controller->optionsWidget(), tr("Dialix %1").arg(number));
+    return controller;
+}
+
+void ControlDialix::removeLastController()
+{
+    std::shared_ptr<DialixControl> controller = controllers.last();
+    if (settings)
+        controller->saveOptions();
+    // Take the page out of the tab widget's tree; its controller decides its fate.
+    DialixOptions *page = controller->optionsWidget();
+    tabWidget->removeTab(tabWidget->indexOf(page));
+    page->setParent(nullptr);
+    controllers.removeLast();
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "interfaces/dialixabstract.h"
+#include "plugins/panels/dialix/source/dialix.h"
+
+#include <QAbstractNativeEventFilter>
+#include <QList>
+
+#include <memory>
+
+class QTabWidget;
+class CwKeyControlAbstract;
+class DeviceWatcher;
+class DialixControl;
+
+// The plug-in's root object: what the host loads and talks to.
+//
+// It keeps one panel controller per connected panel (never fewer than one),
+// shows each controller's options page as a tab "Dialix <n>" of one tab widget
+// that the host places in its window, forwards the host's objects and settings
+// to the controllers and their commands back to the host, and rebuilds the set
+// of controllers whenever the system's device tree changes.
+//
+// Everything runs on the host's GUI thread; only the panels' reader threads
+// are threads of their own.
+class ControlDialix : public DialixAbstract, public QAbstractNativeEventFilter
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID DialixAbstract_iid FILE "dialix.json")
+    Q_INTERFACES(DialixAbstract)
+
+public:
+    // Delay between readSettings() and the re-opening of the enabled panels.
+    static constexpr int DeferredStartMs = 500;
+
+    ControlDialix();
+    ~ControlDialix() override;
+
+    QString name() const override;
+    bool addWidget(QLayout *layout) override;
+    void closeDevices() override;
+    void saveSettings(QSettings *settings) override;
+    void readSettings(QSettings *settings) override;
+    void saveExtraSettings(QSettings *settings) override;
+    void readExtraSettings(QSettings *settings) override;
+    void refreshState() override;
+    qrvCommand *command() override;
+    void setManager(DeviceManagerAbstract *manager) override;
+
+    bool nativeEventFilter(const QByteArray &eventType, void *message, long *result) override;
+
+public slots:
+    void setCommand(QVariant cmd) override;
+    void setChannels(uint value) override;
+
+private slots:
+    void setCwKeyObject(QObject *p);
+    void deviceChanged();
+    void updateDevices();
+
+private:
+    int deviceCount();
+    std::shared_ptr<DialixControl> addController();
+    void removeLastController();
+
+    quint32 channels = 1;
+    QTabWidget *tabWidget = nullptr; // handed to the host by addWidget(), never deleted here
+    QSettings *settings = nullptr; // borrowed
+    CwKeyControlAbstract *cwKey = nullptr; // borrowed
+    DeviceManagerAbstract *manager = nullptr; // borrowed
+    std::shared_ptr<qrvCommand> codec;
+    Dialix probe; // only enumerates, never opened
+    QList<std::shared_ptr<DialixControl>> controllers;
+    DeviceWatcher *watcher = nullptr; // child
+};
