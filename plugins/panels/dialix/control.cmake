@@ -1,0 +1,10 @@
+# The panel controller: function menus and dispatch, dials and the VFO
+# coalescing timer, LEDs, PTT routing and the persistence of assignments.
+add_library(dialix_control STATIC
+    ${CMAKE_CURRENT_LIST_DIR}/source/dialixcontrol.h
+    ${CMAKE_CURRENT_LIST_DIR}/source/dialixcontrol.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/source/valuetimeout.h
+    ${CMAKE_CURRENT_LIST_DIR}/source/valuetimeout.cpp)
+target_link_libraries(dialix_control PUBLIC
+    dialix_device dialix_options dialix_command dialix_serial dialix_interfaces Qt5::Widgets)
+dialix_warnings(dialix_control)

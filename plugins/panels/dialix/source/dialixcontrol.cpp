@@ -1,0 +1,1222 @@
+#include "plugins/panels/dialix/source/dialixcontrol.h"
+
+#include "command/qrvcommand.h"
+#include "interfaces/cwkeycontrolabstract.h"
+#include "interfaces/devicemanagerabstract.h"
+#include "plugins/panels/dialix/source/dialixoptions.h"
+#include "serial/serialportabstract.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QDial>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSettings>
+
+#include <algorithm>
+
+using dialix::SubMenu;
+
+namespace {
+
+// Serial-port setting codes of SerialPortAbstract.
+constexpr int DataBits8 = 3;
+constexpr int ParityNone = 0;
+constexpr int StopBitsOne = 0;
+constexpr int FlowControlNone = 0;
+
+// Source value that marks the panel as the origin of PTT and paddle events.
+constexpr quint32 PanelSource = 1;
+
+// PTT transfer modes (cbPttTransfer index).
+constexpr int PttToHost = 1;
+constexpr int PttToComPort = 2;
+
+} // namespace
+
+// One entry per table row, in id order: entry i runs function id i.
+#define DIALIX_BUTTON_HANDLER_ENTRY_(id, Name, ...) &DialixControl::button##Name,
+#define DIALIX_DIAL_HANDLER_ENTRY_(id, Name, ...) &DialixControl::dial##Name,
+const DialixControl::ButtonHandler DialixControl::buttonHandlers[dialix::ButtonFunctionCount] = {
+    DIALIX_BUTTON_FUNCTIONS(DIALIX_BUTTON_HANDLER_ENTRY_)};
+const DialixControl::DialHandler DialixControl::dialHandlers[dialix::DialFunctionCount] = {
+    DIALIX_DIAL_FUNCTIONS(DIALIX_DIAL_HANDLER_ENTRY_)};
+
+// The direct slots run the same bodies as a key press or a dial movement.
+#define DIALIX_DEFINE_BUTTON_SLOT_(id, ...)                                                        \
+    DIALIX_UNLESS_ZERO(                                                                            \
+        id, void DialixControl::DIALIX_FUNC_BUTTON_SLOT(id)() { runButtonFunction(id); })
+#define DIALIX_DEFINE_DIAL_SLOT_(id, ...)                                                          \
+    DIALIX_UNLESS_ZERO(                                                                            \
+        id,                                                                                        \
+        void DialixControl::DIALIX_FUNC_DIAL_SLOT(id)(int value) { runDialFunction(id, value); })
+DIALIX_BUTTON_FUNCTIONS(DIALIX_DEFINE_BUTTON_SLOT_)
+DIALIX_DIAL_FUNCTIONS(DIALIX_DEFINE_DIAL_SLOT_)
+
+DialixControl::DialixControl(QObject *parent)
+    : DialixAbstract(parent)
+{
+    valueTimeout.setTimeout(ValueTimeout::MinimumTimeout);
+
+    SerialPortAbstract *port = serialPort.current();
+    port->setBaudRate(9600, QSerialPort::AllDirections);
+    port->setDataBits(DataBits8);
+    port->setParity(ParityNone);
+    port->setStopBits(StopBitsOne);
+    port->setFlowControl(FlowControlNone);
+
+    options = new DialixOptions();
+    Ui::DialixOptions *ui = options->ui.get();
+    ui->cbDevice->hide();
+    ui->gpPttTransfer->hide();
+    codec = std::make_shared<qrvCommand>();
+
+    ui->cbPortName->addItems(port->availablePorts());
+
+    connect(&valueTimeout, &ValueTimeout::valueChanged, this, &DialixControl::onDdsValue);
+
+    buildButtonMenus();
+    buildDialMenus();
+
+    retryTimer.setSingleShot(true);
+    retryTimer.setInterval(RetryIntervalMs);
+    connect(&retryTimer, &QTimer::timeout, this, &DialixControl::restore);
+
+    device.findDevices();
+
+    connect(ui->chbEnable, &QCheckBox::toggled, this, &DialixControl::open);
+    connect(&device, &Dialix::button, this, &DialixControl::onButton);
+    connect(&device, &Dialix::dialButton, this, &DialixControl::onDialButton);
+    connect(&device, &Dialix::dial, this, &DialixControl::onDial);
+    connect(&device, &Dialix::ptt, this, &DialixControl::onPtt);
+    connect(&device, &Dialix::dash, this, &DialixControl::KeyDash);
+    connect(&device, &Dialix::dot, this, &DialixControl::KeyDot);
+    connect(options, &DialixOptions::setLedKey, this, &DialixControl::onLedButtons);
+    connect(options, &DialixOptions::setLedEncoder, this, &DialixControl::onLedEncoder);
+    connect(ui->chbVfoB, &QCheckBox::toggled, this, &DialixControl::onVfoB);
+    connect(ui->cbReceiver, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            &DialixControl::switchReceivers);
+    connect(ui->cbPttTransfer, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            &DialixControl::onPttTransferMode);
+    connect(ui->chbEnableComPort, &QCheckBox::toggled, this, &DialixControl::onSerialPortOpen);
+
+    setChannels(1);
+}
+
+DialixControl::~DialixControl()
+{
+    retryTimer.stop();
+    device.closeDevice();
+    // The page belongs to whoever shows it; one that nobody holds any more
+    // (never shown, or taken out of the tab widget) goes with its controller.
+    if (options && !options->parent())
+        delete options.data();
+    qDeleteAll(buttonMenus);
+    qDeleteAll(dialMenus);
+}
+
+void DialixControl::buildButtonMenus()
+{
+    for (int k = 1; k <= ButtonCount; ++k) {
+        auto *menu = new QMenu();
+        for (int id = 0; id < dialix::ButtonFunctionCount; ++id)
+            menu->addAction(dialix::buttonFunctionText(id));
+        const QList<QAction *> actions = menu->actions();
+
+        audioMenu = new QMenu(dialix::subMenuText(SubMenu::Audio), menu);
+        dspMenu = new QMenu(dialix::subMenuText(SubMenu::Dsp), menu);
+        mainMenu = new QMenu(dialix::subMenuText(SubMenu::Main), menu);
+        vfoRx2Menu = new QMenu(dialix::subMenuText(SubMenu::VfoRx2), menu);
+        const auto fill = [&actions](QMenu *subMenu, SubMenu which) {
+            for (int id : dialix::subMenuFunctions(which))
+                subMenu->addAction(actions.at(id));
+        };
+        fill(audioMenu, SubMenu::Audio);
+        fill(dspMenu, SubMenu::Dsp);
+        fill(mainMenu, SubMenu::Main);
+        fill(vfoRx2Menu, SubMenu::VfoRx2);
+
+        auto *group = new QActionGroup(this);
+        for (QAction *action : actions) {
+            action->setCheckable(true);
+            group->addAction(action);
+        }
+        actions.first()->setChecked(true);
+        connect(group, &QActionGroup::triggered, this, &DialixControl::changedFunctionButton);
+        buttonMenus.append(menu);
+        buttonGroups.append(group);
+
+        if (auto *button = options->findChild<QPushButton *>(QStringLiteral("pbFunc%1").arg(k))) {
+            button->setMenu(menu);
+            button->setToolTip(dialix::buttonFunctionText(0));
+        }
+
+        for (int i = 1; i < actions.size(); ++i)
+            menu->removeAction(actions.at(i));
+        for (QMenu *subMenu : {mainMenu, vfoRx2Menu, audioMenu, dspMenu})
+            menu->addMenu(subMenu);
+    }
+}
+
+void DialixControl::buildDialMenus()
+{
+    for (int j = 0; j < DialCount; ++j) {
+        auto *menu = new QMenu();
+        auto *group = new QActionGroup(this);
+        for (int id = 0; id < dialix::DialFunctionCount; ++id) {
+            QAction *action = menu->addAction(dialix::dialFunctionText(id));
+            action->setCheckable(true);
+            group->addAction(action);
+        }
+        group->actions().first()->setChecked(true);
+        connect(group, &QActionGroup::triggered, this, &DialixControl::changedFunctionDial);
+        dialMenus.append(menu);
+        dialGroups.append(group);
+
+        if (auto *button = options->findChild<QPushButton *>(QStringLiteral("pbDial%1").arg(j))) {
+            button->setMenu(menu);
+            button->setToolTip(dialix::dialFunctionText(0));
+            // Dial 0 is the VFO encoder: it has no assignable function.
+            button->setVisible(j != 0);
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Host binding, opening, channels
+
+QString DialixControl::name() const
+{
+    return QStringLiteral("Dialix");
+}
+
+void DialixControl::closeDevices()
+{
+    device.closeDevice();
+}
+
+void DialixControl::saveSettings(QSettings *settings)
+{
+    if (settings)
+        writeAssignments(*settings);
+}
+
+void DialixControl::readSettings(QSettings *settings)
+{
+    if (settings)
+        readAssignments(*settings);
+}
+
+void DialixControl::saveExtraSettings(QSettings *settings)
+{
+    if (settings)
+        writeHostAssignments(*settings);
+}
+
+void DialixControl::readExtraSettings(QSettings *settings)
+{
+    if (settings)
+        readHostAssignments(*settings);
+}
+
+void DialixControl::open(bool state)
+{
+    if (!state) {
+        device.closeDevice();
+        return;
+    }
+    device.findDevices();
+    if (!device.openDevice()) {
+        // Not found, not accessible yet, or already open: look again in a
+        // second for as long as "Enable" stays ticked.
+        retryTimer.start();
+        return;
+    }
+    Ui::DialixOptions *ui = options->ui.get();
+    onLedButtons(ui->chbKeyLed->isChecked());
+    onLedEncoder(ui->chbEncoderLed->isChecked());
+    switchReceivers(ui->cbReceiver->currentIndex());
+    onVfoB(ui->chbVfoB->isChecked());
+}
+
+void DialixControl::terminate()
+{
+    device.closeDevice();
+}
+
+void DialixControl::restore()
+{
+    if (options->ui->chbEnable->isChecked())
+        open(true);
+}
+
+void DialixControl::setCommand(QVariant cmd)
+{
+    codec->setCommand(cmd);
+}
+
+void DialixControl::setChannels(uint value)
+{
+    QComboBox *box = options->ui->cbReceiver;
+    box->clear();
+    for (uint i = 1; i <= value; ++i)
+        box->addItem(tr("RX ") + QString::number(i));
+}
+
+void DialixControl::deviceChanged()
+{
+    device.findDevices();
+}
+
+void DialixControl::setDevManager(DeviceManagerAbstract *manager)
+{
+    if (manager == deviceManager)
+        return;
+    if (deviceManager)
+        disconnect(deviceManager, nullptr, this, nullptr);
+    deviceManager = manager;
+    if (!manager)
+        return;
+    CHECKED_CONNECT(manager, "2display4kModeChanged(bool)", this, "1on4K(bool)");
+    CHECKED_CONNECT(manager, "2moxChanged(quint32, bool)", this, "1onTrx(quint32 , bool)");
+}
+
+void DialixControl::on4K(bool state)
+{
+    Q_UNUSED(state)
+    // Setting every item's text again makes the combo box lay out its items
+    // anew after the host's display mode changed.
+    QComboBox *box = options->ui->cbReceiver;
+    for (int i = 0; i < box->count(); ++i) {
+        const QString text = box->itemText(i);
+        box->setItemText(i, QStringLiteral("  "));
+        box->setItemText(i, text);
+    }
+}
+
+void DialixControl::onPttTransferMode(int index)
+{
+    options->ui->gpPttTransfer->setVisible(index == PttToComPort);
+}
+
+// ---------------------------------------------------------------------------
+// Panel events
+
+void DialixControl::onButton(Dialix::Buttons button, bool state)
+{
+    using Slot = void (DialixControl::*)(bool);
+    static constexpr Slot keys[] = {
+        &DialixControl::Key1,  &DialixControl::Key2,  &DialixControl::Key3,  &DialixControl::Key4,
+        &DialixControl::Key5,  &DialixControl::Key6,  &DialixControl::Key7,  &DialixControl::Key8,
+        &DialixControl::Key9,  &DialixControl::Key10, &DialixControl::Key11, &DialixControl::Key12,
+        &DialixControl::Key13, &DialixControl::Key14,
+    };
+    const int n = int(button);
+    if (n >= Dialix::Key1 && n <= Dialix::Key14)
+        (this->*keys[n - Dialix::Key1])(state);
+}
+
+void DialixControl::onDialButton(Dialix::DialButtons button, bool state)
+{
+    switch (button) {
+    case Dialix::KeyEnc0:
+        KeyEnc0(state);
+        break;
+    case Dialix::KeyEnc1:
+        KeyEnc1(state);
+        break;
+    case Dialix::KeyEnc2:
+        KeyEnc2(state);
+        break;
+    case Dialix::KeyEnc3:
+        KeyEnc3(state);
+        break;
+    }
+}
+
+void DialixControl::onDial(Dialix::Dials dial, int value)
+{
+    switch (dial) {
+    case Dialix::Enc0:
+        Enc0(value);
+        break;
+    case Dialix::Enc1:
+        Enc1(value);
+        break;
+    case Dialix::Enc2:
+        Enc2(value);
+        break;
+    case Dialix::Enc3:
+        Enc3(value);
+        break;
+    }
+}
+
+void DialixControl::Key1(bool Status)
+{
+    functionButton(1, Status);
+}
+void DialixControl::Key2(bool Status)
+{
+    functionButton(2, Status);
+}
+void DialixControl::Key3(bool Status)
+{
+    functionButton(3, Status);
+}
+void DialixControl::Key4(bool Status)
+{
+    functionButton(4, Status);
+}
+void DialixControl::Key5(bool Status)
+{
+    functionButton(5, Status);
+}
+void DialixControl::Key6(bool Status)
+{
+    functionButton(6, Status);
+}
+void DialixControl::Key7(bool Status)
+{
+    functionButton(7, Status);
+}
+void DialixControl::Key8(bool Status)
+{
+    functionButton(8, Status);
+}
+void DialixControl::Key9(bool Status)
+{
+    functionButton(9, Status);
+}
+void DialixControl::Key10(bool Status)
+{
+    functionButton(10, Status);
+}
+void DialixControl::Key11(bool Status)
+{
+    functionButton(11, Status);
+}
+void DialixControl::Key12(bool Status)
+{
+    functionButton(12, Status);
+}
+void DialixControl::Key13(bool Status)
+{
+    functionButton(13, Status);
+}
+void DialixControl::Key14(bool Status)
+{
+    functionButton(14, Status);
+}
+
+void DialixControl::KeyEnc0(bool Status)
+{
+    // The VFO encoder's push has no function.
+    Q_UNUSED(Status)
+}
+void DialixControl::KeyEnc1(bool Status)
+{
+    functionButton(15, Status);
+}
+void DialixControl::KeyEnc2(bool Status)
+{
+    functionButton(16, Status);
+}
+void DialixControl::KeyEnc3(bool Status)
+{
+    functionButton(17, Status);
+}
+
+void DialixControl::Enc0(int Val)
+{
+    valueTimeout.setValue(QVariant(Val));
+}
+void DialixControl::Enc1(int Val)
+{
+    functionDial(1, Val);
+}
+void DialixControl::Enc2(int Val)
+{
+    functionDial(2, Val);
+}
+void DialixControl::Enc3(int Val)
+{
+    functionDial(3, Val);
+}
+
+void DialixControl::functionButton(int n, bool pressed)
+{
+    auto *button = options->findChild<QPushButton *>(QStringLiteral("pbFunc%1").arg(n));
+    if (!pressed) {
+        // Functions act on the press; a release only ends the highlight.
+        if (button) {
+            button->setChecked(false);
+            button->setCheckable(false);
+        }
+        return;
+    }
+    if (button) {
+        button->setCheckable(true);
+        button->setChecked(true);
+    }
+    runButtonFunction(checkedPosition(buttonGroups.value(n - 1)));
+}
+
+void DialixControl::functionDial(int j, int value)
+{
+    if (auto *button = options->findChild<QPushButton *>(QStringLiteral("pbDial%1").arg(j))) {
+        button->setCheckable(true);
+        button->setChecked(true);
+    }
+    // The button stays lit until DialReleaseMs after the last movement.
+    if (QTimer *release = options->timers.value(j)) {
+        release->stop();
+        release->start(DialReleaseMs);
+    }
+    runDialFunction(checkedPosition(dialGroups.value(j)), value);
+}
+
+void DialixControl::runButtonFunction(int id)
+{
+    if (id < 1 || id >= dialix::ButtonFunctionCount)
+        return;
+    (this->*buttonHandlers[id])();
+}
+
+void DialixControl::runDialFunction(int id, int value)
+{
+    if (id < 1 || id >= dialix::DialFunctionCount)
+        return;
+    (this->*dialHandlers[id])(value);
+}
+
+void DialixControl::onDdsValue(QVariant value)
+{
+    if (!qobject_cast<ValueTimeout *>(sender()))
+        return;
+    const int v = value.toInt();
+    Ui::DialixOptions *ui = options->ui.get();
+    const bool vfoB = ui->chbVfoB->isChecked();
+    if (ui->chbUseIf->isChecked() && !vfoB)
+        ifRule(v);
+    else
+        codec->panelVFO(rx(), vfoB ? 1 : 0, v);
+
+    if (options->isVisible()) {
+        QDial *dial = ui->dialFunc1;
+        if (dial->maximum() != 0)
+            dial->setValue((v + dial->value()) % dial->maximum());
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Key functions, one per table row
+
+void DialixControl::buttonUnused() { }
+
+void DialixControl::buttonBandUp()
+{
+    codec->panelBandUp(rx());
+}
+void DialixControl::buttonBandDown()
+{
+    codec->panelBandDown(rx());
+}
+void DialixControl::buttonModeUp()
+{
+    codec->panelModeUp(rx());
+}
+void DialixControl::buttonModeDown()
+{
+    codec->panelModeDown(rx());
+}
+void DialixControl::buttonVolumeUp()
+{
+    codec->panelVolume(rx(), options->ui->sbVolumeStep->value());
+}
+void DialixControl::buttonVolumeDown()
+{
+    codec->panelVolume(rx(), -options->ui->sbVolumeStep->value());
+}
+void DialixControl::buttonMute()
+{
+    codec->panelMuteChange(rx());
+}
+void DialixControl::buttonBin()
+{
+    codec->panelBinChange(rx());
+}
+void DialixControl::buttonNr()
+{
+    codec->panelNrChange(rx());
+}
+void DialixControl::buttonAnf()
+{
+    codec->panelAnfChange(rx());
+}
+void DialixControl::buttonNb1()
+{
+    codec->panelNb1Change(rx());
+}
+void DialixControl::buttonNb2()
+{
+    codec->panelNb2Change(rx());
+}
+void DialixControl::buttonFilterUp()
+{
+    codec->panelFilterUp(rx());
+}
+void DialixControl::buttonFilterDown()
+{
+    codec->panelFilterDown(rx());
+}
+void DialixControl::buttonSql()
+{
+    codec->panelSqlChange(rx());
+}
+void DialixControl::buttonPa()
+{
+    codec->panelPaChange(rx());
+}
+void DialixControl::buttonAgcUp()
+{
+    codec->panelAgcUp(rx());
+}
+void DialixControl::buttonAgcDown()
+{
+    codec->panelAgcDown(rx());
+}
+void DialixControl::buttonPreampUp()
+{
+    codec->panelPreampUp();
+}
+void DialixControl::buttonPreampDown()
+{
+    codec->panelPreampDown();
+}
+void DialixControl::buttonStepUp()
+{
+    codec->panelStepUp(rx());
+}
+void DialixControl::buttonStepDown()
+{
+    codec->panelStepDown(rx());
+}
+void DialixControl::buttonZoomIn()
+{
+    codec->panelZoomUp(rx());
+}
+void DialixControl::buttonZoomOut()
+{
+    codec->panelZoomDown(rx());
+}
+
+// The toggles below always send "false": the host takes each message as a
+// request to change over, so the panel never needs to know the current state.
+void DialixControl::buttonMox()
+{
+    if (hasReceivers())
+        codec->panelMox(rx(), false);
+}
+void DialixControl::buttonTune()
+{
+    if (hasReceivers())
+        codec->panelTone(rx(), false);
+}
+void DialixControl::buttonWf()
+{
+    if (hasReceivers())
+        codec->panelWideFilter();
+}
+void DialixControl::buttonPowerOnOff()
+{
+    codec->panelPowerChange();
+}
+
+void DialixControl::buttonSwitchDdsIf()
+{
+    QCheckBox *box = options->ui->chbUseIf;
+    box->setChecked(!box->isChecked());
+}
+
+void DialixControl::buttonSwitchReceiver()
+{
+    QComboBox *box = options->ui->cbReceiver;
+    if (box->count() == 0)
+        return;
+    const int next = box->currentIndex() + 1;
+    box->setCurrentIndex(next >= box->count() ? 0 : next);
+}
+
+void DialixControl::buttonChangeVfoAB()
+{
+    if (!hasReceivers())
+        return;
+    QCheckBox *box = options->ui->chbVfoB;
+    box->setChecked(!box->isChecked());
+}
+
+void DialixControl::buttonSubRxOnOff()
+{
+    if (hasReceivers())
+        codec->panelEnableVFOB(rx(), false);
+}
+void DialixControl::buttonRitOnOff()
+{
+    if (hasReceivers())
+        codec->panelRitEnable(rx(), 0);
+}
+void DialixControl::buttonRitReset()
+{
+    if (hasReceivers())
+        codec->panelRitReset(rx(), 0);
+}
+
+void DialixControl::buttonIfAsRit()
+{
+    QCheckBox *box = options->ui->chbUseIf_Rit;
+    box->setChecked(!box->isChecked());
+}
+
+void DialixControl::buttonXitOnOff()
+{
+    if (hasReceivers())
+        codec->panelXitEnable(rx(), 0);
+}
+void DialixControl::buttonXitReset()
+{
+    if (hasReceivers())
+        codec->panelXitReset(rx(), 0);
+}
+void DialixControl::buttonSplit()
+{
+    if (hasReceivers())
+        codec->panelSplitSw(rx());
+}
+void DialixControl::buttonTxPlay()
+{
+    if (hasReceivers())
+        codec->panelMoxVoicePlay(rx());
+}
+void DialixControl::buttonVoiceRecording()
+{
+    if (hasReceivers())
+        codec->panelVoiceRec(rx());
+}
+void DialixControl::buttonRxAnt()
+{
+    codec->panelRxAntSwitch();
+}
+
+void DialixControl::buttonLock()
+{
+    if (deviceManager)
+        deviceManager->setLock(rx(), !deviceManager->lock(rx()));
+}
+void DialixControl::buttonAToB()
+{
+    if (deviceManager)
+        deviceManager->setVfoaToVfob(rx());
+}
+void DialixControl::buttonBToA()
+{
+    if (deviceManager)
+        deviceManager->setVfobToVfoa(rx());
+}
+void DialixControl::buttonSwapAB()
+{
+    if (deviceManager)
+        deviceManager->setVfoaSwapVfob(rx());
+}
+void DialixControl::buttonApf()
+{
+    if (deviceManager)
+        emit deviceManager->switchedApf(rx());
+}
+
+void DialixControl::setMixerMode(quint32 mode)
+{
+    if (deviceManager)
+        deviceManager->setMixerMode(mode);
+}
+void DialixControl::buttonListenBothRx()
+{
+    setMixerMode(0);
+}
+void DialixControl::buttonListenRx1Only()
+{
+    setMixerMode(1);
+}
+void DialixControl::buttonListenRx2Only()
+{
+    setMixerMode(2);
+}
+void DialixControl::buttonListenRx1LeftRx2Right()
+{
+    setMixerMode(3);
+}
+void DialixControl::buttonListenRx1RightRx2Left()
+{
+    setMixerMode(4);
+}
+
+void DialixControl::buttonSwitchRxMuteFormer()
+{
+    if (!deviceManager)
+        return;
+    buttonSwitchReceiver();
+    QComboBox *box = options->ui->cbReceiver;
+    if (box->count() == 0)
+        return;
+    // Only the newly selected receiver stays audible.
+    const quint32 selected = rx();
+    for (quint32 t = 0; deviceManager && t < deviceManager->tranceivers(); ++t) {
+        if (t >= quint32(box->count()))
+            break;
+        deviceManager->setMute(t, t != selected);
+    }
+}
+
+void DialixControl::buttonRx2OnOff()
+{
+    if (deviceManager)
+        emit deviceManager->switchRx2Enable();
+}
+
+void DialixControl::emitMixerVfoMode(quint32 mode)
+{
+    if (deviceManager)
+        emit deviceManager->mixerVfoMode(rx(), mode);
+}
+void DialixControl::buttonListenBothVfo()
+{
+    emitMixerVfoMode(0);
+}
+void DialixControl::buttonListenVfoAOnly()
+{
+    emitMixerVfoMode(1);
+}
+void DialixControl::buttonListenVfoBOnly()
+{
+    emitMixerVfoMode(2);
+}
+void DialixControl::buttonListenVfoALeftVfoBRight()
+{
+    emitMixerVfoMode(3);
+}
+void DialixControl::buttonListenVfoARightVfoBLeft()
+{
+    emitMixerVfoMode(4);
+}
+
+void DialixControl::buttonVox()
+{
+    if (deviceManager)
+        deviceManager->setVox(rx(), !deviceManager->vox(rx()));
+}
+void DialixControl::buttonNf()
+{
+    if (deviceManager)
+        emit deviceManager->switchNF(rx());
+}
+
+// ---------------------------------------------------------------------------
+// Dial functions, one per table row
+
+void DialixControl::dialUnused(int value)
+{
+    Q_UNUSED(value)
+}
+
+void DialixControl::dialVolume(int value)
+{
+    if (!deviceManager)
+        return;
+    double volume = deviceManager->mainVolume() + scaled(options->ui->sbVolumeStep->value(), value);
+    volume = std::min(volume, VolumeMax);
+    volume = std::max(volume, VolumeMin);
+    deviceManager->setMainVolume(volume);
+}
+void DialixControl::dialMicGain(int value)
+{
+    codec->panelMicGain(rx(), scaled(options->ui->sbMicGainStep->value(), value));
+}
+void DialixControl::dialSql(int value)
+{
+    codec->panelSql(rx(), scaled(options->ui->sbSqlStep->value(), value));
+}
+void DialixControl::dialFilterLow(int value)
+{
+    codec->panelFilterLow(rx(), scaled(options->ui->sbFilterLowStep->value(), value));
+}
+void DialixControl::dialFilterHigh(int value)
+{
+    codec->panelFilterHigh(rx(), scaled(options->ui->sbFilterHighStep->value(), value));
+}
+void DialixControl::dialFilterWidth(int value)
+{
+    codec->panelFilterWidth(rx(), scaled(options->ui->sbFilterWidthStep->value(), value));
+}
+void DialixControl::dialFilterShift(int value)
+{
+    codec->panelFilterShift(rx(), scaled(options->ui->sbFilterShiftStep->value(), value));
+}
+void DialixControl::dialDrive(int value)
+{
+    codec->panelDrive(rx(), scaled(options->ui->sbDriveStep->value(), value));
+}
+void DialixControl::dialIf(int value)
+{
+    ifRule(value);
+}
+void DialixControl::dialRfGain(int value)
+{
+    codec->panelRF(rx(), scaled(options->ui->sbRfGainStep->value(), value));
+}
+void DialixControl::dialCwSpeed(int value)
+{
+    codec->panelCwSpeed(rx(), value);
+}
+void DialixControl::dialRitOffset(int value)
+{
+    codec->panelRitValue(rx(), 0, value);
+}
+void DialixControl::dialXitOffset(int value)
+{
+    codec->panelXitValue(rx(), 0, value);
+}
+
+// The IF knob moves the RIT offset while RIT is on, else the XIT offset while
+// XIT is on (unless the receiver is locked), else the IF itself. Only the XIT
+// branch looks at the lock.
+void DialixControl::ifRule(int value)
+{
+    if (!deviceManager)
+        return;
+    const quint32 receiver = rx();
+    if (deviceManager->rit(receiver)) {
+        codec->panelRitFromIfValue(receiver, 0, value);
+    } else if (deviceManager->xit(receiver)) {
+        if (!deviceManager->lock(receiver))
+            codec->panelXitFromIfValue(receiver, 0, value);
+    } else {
+        codec->panelIF(receiver, value);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// LEDs
+
+void DialixControl::setLed(int mask, bool on)
+{
+    if (!device.isOpen())
+        return;
+    for (int bit = 0; bit < 8; ++bit) {
+        if (mask & (1 << bit))
+            device.setLed(bit, on);
+    }
+}
+
+void DialixControl::onVfoB(bool state)
+{
+    setLed(LedVfoB, state);
+}
+
+void DialixControl::onLedEncoder(bool state)
+{
+    setLed(LedEncoders, state);
+}
+
+void DialixControl::onLedButtons(bool state)
+{
+    setLed(LedKeys, state);
+}
+
+void DialixControl::onTrx(quint32 tranceiver, bool state)
+{
+    Q_UNUSED(state)
+    if (!deviceManager)
+        return;
+    const quint32 count = deviceManager->tranceivers();
+    if (tranceiver >= count)
+        return;
+    // One transceiver still transmitting keeps the lamp lit.
+    bool transmitting = false;
+    for (quint32 t = 0; t < count; ++t)
+        transmitting = deviceManager->mox(t) || transmitting;
+    setLed(LedTransmit, transmitting);
+}
+
+void DialixControl::switchReceivers(int index)
+{
+    if (deviceManager && index >= 0) {
+        const auto receiver = quint32(index);
+        if (receiver < deviceManager->tranceivers())
+            onTrx(receiver, deviceManager->mox(receiver));
+    }
+    setLed(LedReceiver2, index > 0);
+}
+
+// ---------------------------------------------------------------------------
+// PTT, paddle, serial port
+
+void DialixControl::onPtt(bool state)
+{
+    ptt(state);
+}
+
+void DialixControl::KeyPtt(bool Status)
+{
+    ptt(Status);
+}
+
+void DialixControl::ptt(bool state)
+{
+    if (!deviceManager)
+        return;
+    Ui::DialixOptions *ui = options->ui.get();
+    const int mode = ui->cbPttTransfer->currentIndex();
+    if (mode == PttToHost) {
+        emit deviceManager->txTransfer(rx(), state);
+        return;
+    }
+    if (mode == PttToComPort && ui->chbEnableComPort->isChecked()) {
+        SerialPortAbstract *port = serialPort.current();
+        if (ui->chbDTR->isChecked())
+            port->setDataTerminalReady(state);
+        if (ui->chbRTS->isChecked())
+            port->setRequestToSend(state);
+        return;
+    }
+    if (CwKeyControlAbstract *key = deviceManager->cwKeyControl())
+        key->setTrx(rx(), PanelSource, state);
+}
+
+void DialixControl::KeyDash(bool Status)
+{
+    dashState = Status;
+    paddle();
+}
+
+void DialixControl::KeyDot(bool Status)
+{
+    dotState = Status;
+    paddle();
+}
+
+// Every edge of either contact sends the whole pair, so a squeeze reads as
+// both contacts closed.
+void DialixControl::paddle()
+{
+    if (!deviceManager)
+        return;
+    if (CwKeyControlAbstract *key = deviceManager->cwKeyControl())
+        key->setKey(rx(), PanelSource, dashState, dotState);
+}
+
+void DialixControl::onSerialPortOpen(bool state)
+{
+    SerialPortAbstract *port = serialPort.current();
+    if (!state) {
+        port->close();
+        return;
+    }
+    Ui::DialixOptions *ui = options->ui.get();
+    const QString name = ui->cbPortName->currentText();
+    if (name.isEmpty()) {
+        ui->chbEnableComPort->setChecked(false);
+        return;
+    }
+    port->setPortName(name);
+    if (port->open(QIODevice::ReadWrite))
+        return;
+    QMessageBox::critical(options, QCoreApplication::applicationName(),
+                          tr("Failed to open ") + name + tr(" for PTT transfer!"), QMessageBox::Ok);
+    ui->chbEnableComPort->setChecked(false);
+}
+
+// ---------------------------------------------------------------------------
+// Assignments
+
+int DialixControl::checkedPosition(const QActionGroup *group)
+{
+    if (!group)
+        return -1;
+    const QAction *checked = group->checkedAction();
+    return checked ? group->actions().indexOf(const_cast<QAction *>(checked)) : -1;
+}
+
+void DialixControl::checkPosition(QActionGroup *group, int position)
+{
+    const QList<QAction *> actions = group->actions();
+    if (position < 0 || position >= actions.size())
+        position = 0;
+    actions.at(position)->setChecked(true);
+}
+
+int DialixControl::buttonFunction(int n) const
+{
+    return checkedPosition(buttonGroups.value(n - 1));
+}
+
+int DialixControl::dialFunction(int j) const
+{
+    return checkedPosition(dialGroups.value(j));
+}
+
+bool DialixControl::assignButtonFunction(int n, int id)
+{
+    QActionGroup *group = buttonGroups.value(n - 1);
+    if (!group || !dialix::isButtonFunction(id))
+        return false;
+    QAction *action = group->actions().at(id);
+    action->setChecked(true);
+    emit group->triggered(action);
+    return true;
+}
+
+bool DialixControl::assignDialFunction(int j, int id)
+{
+    QActionGroup *group = dialGroups.value(j);
+    if (!group || !dialix::isDialFunction(id))
+        return false;
+    QAction *action = group->actions().at(id);
+    action->setChecked(true);
+    emit group->triggered(action);
+    return true;
+}
+
+void DialixControl::changedFunctionButton(QAction *action)
+{
+    Q_UNUSED(action)
+    auto *group = qobject_cast<QActionGroup *>(sender());
+    const int k = buttonGroups.indexOf(group);
+    if (k < 0)
+        return;
+    const int f = checkedPosition(group);
+    if (auto *button = options->findChild<QPushButton *>(QStringLiteral("pbFunc%1").arg(k + 1))) {
+        button->setText(dialix::buttonFunctionShortText(f));
+        button->setToolTip(dialix::buttonFunctionText(f));
+    }
+}
+
+void DialixControl::changedFunctionDial(QAction *action)
+{
+    Q_UNUSED(action)
+    auto *group = qobject_cast<QActionGroup *>(sender());
+    const int k = dialGroups.indexOf(group);
+    if (k < 0)
+        return;
+    const int f = checkedPosition(group);
+    if (auto *button = options->findChild<QPushButton *>(QStringLiteral("pbDial%1").arg(k))) {
+        button->setText(dialix::dialFunctionShortText(f));
+        button->setToolTip(dialix::dialFunctionText(f));
+    }
+}
+
+QString DialixControl::groupName() const
+{
+    return QStringLiteral("Dialix") + QString::number(index + 1);
+}
+
+QString DialixControl::optionsFilePath()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/options.ini");
+}
+
+void DialixControl::saveOptions()
+{
+    QSettings settings(optionsFilePath(), QSettings::IniFormat);
+    writeAssignments(settings);
+}
+
+void DialixControl::loadOptions()
+{
+    QSettings settings(optionsFilePath(), QSettings::IniFormat);
+    readAssignments(settings);
+}
+
+// The own file numbers the dials from -1 (dial j under "FunctionDial" + (j - 1));
+// files written earlier depend on it. The host settings number them from 0.
+void DialixControl::writeAssignments(QSettings &settings)
+{
+    settings.beginGroup(groupName());
+    writeGroups(settings, -1);
+    options->writeOptionKeys(&settings);
+    settings.endGroup();
+}
+
+void DialixControl::readAssignments(QSettings &settings)
+{
+    settings.beginGroup(groupName());
+    readGroups(settings, -1, true);
+    options->readOptionKeys(&settings);
+    settings.endGroup();
+}
+
+void DialixControl::writeHostAssignments(QSettings &settings)
+{
+    settings.beginGroup(groupName());
+    writeGroups(settings, 0);
+    options->writeHostOptionKeys(&settings);
+    settings.endGroup();
+}
+
+void DialixControl::readHostAssignments(QSettings &settings)
+{
+    settings.beginGroup(groupName());
+    readGroups(settings, 0, false);
+    options->readHostOptionKeys(&settings);
+    settings.endGroup();
+}
+
+void DialixControl::writeGroups(QSettings &settings, int dialKeyOffset)
+{
+    for (int n = 0; n < buttonGroups.size(); ++n)
+        settings.setValue(QStringLiteral("FunctionButton") + QString::number(n),
+                          checkedPosition(buttonGroups.at(n)));
+    for (int j = 0; j < dialGroups.size(); ++j)
+        settings.setValue(QStringLiteral("FunctionDial") + QString::number(j + dialKeyOffset),
+                          checkedPosition(dialGroups.at(j)));
+}
+
+void DialixControl::readGroups(QSettings &settings, int dialKeyOffset, bool relabel)
+{
+    const auto restore = [&settings, relabel](QActionGroup *group, const QString &key) {
+        bool ok = false;
+        int position = settings.value(key, 0).toInt(&ok);
+        if (!ok)
+            position = 0;
+        checkPosition(group, position);
+        if (relabel)
+            emit group->triggered(group->checkedAction());
+    };
+    for (int n = 0; n < buttonGroups.size(); ++n)
+        restore(buttonGroups.at(n), QStringLiteral("FunctionButton") + QString::number(n));
+    for (int j = 0; j < dialGroups.size(); ++j)
+        restore(dialGroups.at(j),
+                QStringLiteral("FunctionDial") + QString::number(j + dialKeyOffset));
+}
+
+// ---------------------------------------------------------------------------
+// Helpers
+
+quint32 DialixControl::rx() const
+{
+    return quint32(options->ui->cbReceiver->currentIndex());
+}
+
+bool DialixControl::hasReceivers() const
+{
+    return options->ui->cbReceiver->count() > 0;
+}
+
+qint32 DialixControl::scaled(int step, int value)
+{
+    // Wraps like the host's 32-bit arithmetic instead of overflowing.
+    return static_cast<qint32>(static_cast<quint32>(qint64(step) * qint64(value)));
+}

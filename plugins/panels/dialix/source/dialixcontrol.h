@@ -1,0 +1,253 @@
+#pragma once
+
+#include "interfaces/devicemanagerabstract.h"
+#include "interfaces/dialixabstract.h"
+#include "plugins/panels/dialix/source/dialix.h"
+#include "plugins/panels/dialix/source/dialixoptions.h"
+#include "plugins/panels/dialix/source/functiontable.h"
+#include "plugins/panels/dialix/source/valuetimeout.h"
+#include "serial/serialportcontrol.h"
+
+#include <QList>
+#include <QPointer>
+#include <QTimer>
+#include <QVariant>
+
+#include <memory>
+
+class QAction;
+class QActionGroup;
+class QMenu;
+class QSettings;
+class qrvCommand;
+
+// Connects by signature strings (for the host's objects, whose types the
+// plug-in only knows by declaration) and aborts with the enclosing function,
+// file and line when the connection cannot be made: a missing host signal is a
+// programming error, not a run-time condition.
+#define CHECKED_CONNECT(sender, signal, receiver, slot)                                            \
+    do {                                                                                           \
+        if (!QObject::connect(sender, signal, receiver, slot))                                     \
+            qt_assert_x(Q_FUNC_INFO, "CHECKED_CONNECT failed",                                     \
+                        "plugins/panels/dialix/source/dialixcontrol", __LINE__);                   \
+    } while (false)
+
+// Expands its arguments unless `id` is the literal 0: the "Unused" rows of the
+// function tables get no slot.
+#define DIALIX_PROBE_0 ~, 1
+#define DIALIX_SECOND_(a, b, ...) b
+#define DIALIX_IS_PROBE_(...) DIALIX_SECOND_(__VA_ARGS__, 0, ~)
+#define DIALIX_IS_ZERO(id) DIALIX_IS_PROBE_(DIALIX_CAT(DIALIX_PROBE_, id))
+#define DIALIX_UNLESS_ZERO_0(...) __VA_ARGS__
+#define DIALIX_UNLESS_ZERO_1(...)
+#define DIALIX_UNLESS_ZERO(id, ...) DIALIX_CAT(DIALIX_UNLESS_ZERO_, DIALIX_IS_ZERO(id))(__VA_ARGS__)
+
+#define DIALIX_DECLARE_BUTTON_SLOT_(id, ...)                                                       \
+    DIALIX_UNLESS_ZERO(id, void DIALIX_FUNC_BUTTON_SLOT(id)();)
+#define DIALIX_DECLARE_DIAL_SLOT_(id, ...)                                                         \
+    DIALIX_UNLESS_ZERO(id, void DIALIX_FUNC_DIAL_SLOT(id)(int value);)
+#define DIALIX_DECLARE_BUTTON_HANDLER_(id, Name, ...) void button##Name();
+#define DIALIX_DECLARE_DIAL_HANDLER_(id, Name, ...) void dial##Name(int value);
+
+// The controller of one panel.
+//
+// It owns the panel device, the PTT serial port, its own command codec, the
+// VFO coalescing timer and the panel's options page. Panel events (keys, dial
+// pushes, dial turns, PTT, paddle) become host commands, device-manager calls
+// or option changes; the host's state (MOX, VFO B, receiver) comes back as the
+// panel's LEDs. Each function key and dial carries a menu of functions built
+// from the function table; the checked action's position is the function id.
+//
+// Everything runs on the thread that created the controller (the host's GUI
+// thread); the device's reader thread reaches it through queued signals.
+//
+// As a DialixAbstract it also offers the plug-in's operations for one panel:
+// command() is its codec, saveSettings/readSettings use the "/options.ini"
+// group layout, saveExtraSettings/readExtraSettings the host-settings layout,
+// setManager binds the device manager and closeDevices closes the panel.
+class DialixControl : public DialixAbstract
+{
+    Q_OBJECT
+
+public:
+    // LED mask bits as the controller drives them.
+    enum Led : int {
+        LedVfoB = 0x01,
+        LedReceiver2 = 0x02,
+        LedTransmit = 0x04,
+        LedEncoders = 0x08,
+        LedKeys = 0x10,
+    };
+
+    static constexpr int ButtonCount = 17; // pbFunc1 .. pbFunc17
+    static constexpr int DialCount = 4; // pbDial0 .. pbDial3
+    static constexpr int RetryIntervalMs = 1000;
+    static constexpr int DialReleaseMs = 50;
+    static constexpr double VolumeMin = -60.0;
+    static constexpr double VolumeMax = 0.0;
+
+    explicit DialixControl(QObject *parent = nullptr);
+    ~DialixControl() override;
+
+    // The controller's number among all controllers (0-based); it names the
+    // settings group "Dialix" + (number + 1).
+    int number() const { return index; }
+    void setNumber(int value) { index = value; }
+
+    Dialix &panel() { return device; }
+    const Dialix &panel() const { return device; }
+    DialixOptions *optionsWidget() const { return options; }
+    SerialPortControl &serial() { return serialPort; }
+    DeviceManagerAbstract *devManager() const { return deviceManager; }
+    ValueTimeout &vfoCoalescer() { return valueTimeout; }
+
+    const QList<QMenu *> &functionButtonMenus() const { return buttonMenus; }
+    const QList<QMenu *> &functionDialMenus() const { return dialMenus; }
+    const QList<QActionGroup *> &functionButtonGroups() const { return buttonGroups; }
+    const QList<QActionGroup *> &functionDialGroups() const { return dialGroups; }
+
+    // Function id assigned to key n (1 .. 17) or dial j (0 .. 3); -1 when none
+    // is checked or the number is out of range.
+    int buttonFunction(int n) const;
+    int dialFunction(int j) const;
+    // Assigns a function (checks its action and refreshes the button's labels
+    // as a menu choice would). False for an unknown key, dial or id.
+    bool assignButtonFunction(int n, int id);
+    bool assignDialFunction(int j, int id);
+
+    // True while a retry of open(true) is pending.
+    bool retryPending() const { return retryTimer.isActive(); }
+
+    // Assignments and options in the plug-in's own file beside the host
+    // executable ("/options.ini").
+    void saveOptions();
+    void loadOptions();
+    static QString optionsFilePath();
+
+    // Own-file layout: dial j stored under "FunctionDial" + (j - 1); reading
+    // re-labels the buttons.
+    void writeAssignments(QSettings &settings);
+    void readAssignments(QSettings &settings);
+    // Host-settings layout: dial j under "FunctionDial" + j; reading restores
+    // the assignments but leaves the button texts as they are.
+    void writeHostAssignments(QSettings &settings);
+    void readHostAssignments(QSettings &settings);
+
+    // DialixAbstract
+    QString name() const override;
+    void closeDevices() override;
+    void saveSettings(QSettings *settings) override;
+    void readSettings(QSettings *settings) override;
+    void saveExtraSettings(QSettings *settings) override;
+    void readExtraSettings(QSettings *settings) override;
+    qrvCommand *command() override { return codec.get(); }
+    std::shared_ptr<qrvCommand> sharedCommand() const { return codec; }
+    void setManager(DeviceManagerAbstract *manager) override { setDevManager(manager); }
+
+public slots:
+    void open(bool state);
+    void terminate();
+    void restore();
+    void setCommand(QVariant cmd) override;
+    void setChannels(uint value) override;
+    void deviceChanged();
+    void setDevManager(DeviceManagerAbstract *manager);
+
+private slots:
+    void on4K(bool state);
+    void onPttTransferMode(int index);
+    void onDdsValue(QVariant value);
+    void onButton(Dialix::Buttons button, bool state);
+    void onDialButton(Dialix::DialButtons button, bool state);
+    void onDial(Dialix::Dials dial, int value);
+    void onPtt(bool state);
+    void onLedEncoder(bool state);
+    void onLedButtons(bool state);
+    void onTrx(quint32 tranceiver, bool state);
+    void onVfoB(bool state);
+    void Key1(bool Status);
+    void Key2(bool Status);
+    void Key3(bool Status);
+    void Key4(bool Status);
+    void Key5(bool Status);
+    void Key6(bool Status);
+    void Key7(bool Status);
+    void Key8(bool Status);
+    void Key9(bool Status);
+    void Key10(bool Status);
+    void Key11(bool Status);
+    void Key12(bool Status);
+    void Key13(bool Status);
+    void Key14(bool Status);
+    void KeyEnc0(bool Status);
+    void KeyEnc1(bool Status);
+    void KeyEnc2(bool Status);
+    void KeyEnc3(bool Status);
+    void Enc0(int Val);
+    void Enc1(int Val);
+    void Enc2(int Val);
+    void Enc3(int Val);
+    void KeyPtt(bool Status);
+    void KeyDash(bool Status);
+    void KeyDot(bool Status);
+    void changedFunctionButton(QAction *action);
+    void changedFunctionDial(QAction *action);
+    // setFuncButton2() .. setFuncButton61(): run key function id N - 1.
+    DIALIX_BUTTON_FUNCTIONS(DIALIX_DECLARE_BUTTON_SLOT_)
+    // setFuncDial1(int) .. setFuncDial13(int): run dial function id N.
+    DIALIX_DIAL_FUNCTIONS(DIALIX_DECLARE_DIAL_SLOT_)
+    void switchReceivers(int index);
+    void onSerialPortOpen(bool state);
+
+private:
+    using ButtonHandler = void (DialixControl::*)();
+    using DialHandler = void (DialixControl::*)(int);
+    static const ButtonHandler buttonHandlers[dialix::ButtonFunctionCount];
+    static const DialHandler dialHandlers[dialix::DialFunctionCount];
+
+    // One handler per table row: button<Name>() and dial<Name>(int).
+    DIALIX_BUTTON_FUNCTIONS(DIALIX_DECLARE_BUTTON_HANDLER_)
+    DIALIX_DIAL_FUNCTIONS(DIALIX_DECLARE_DIAL_HANDLER_)
+
+    void buildButtonMenus();
+    void buildDialMenus();
+    void runButtonFunction(int id);
+    void runDialFunction(int id, int value);
+    void functionButton(int n, bool pressed);
+    void functionDial(int j, int value);
+    void ifRule(int value);
+    void setMixerMode(quint32 mode);
+    void emitMixerVfoMode(quint32 mode);
+    void setLed(int mask, bool on);
+    void ptt(bool state);
+    void paddle();
+    void writeGroups(QSettings &settings, int dialKeyOffset);
+    void readGroups(QSettings &settings, int dialKeyOffset, bool relabel);
+    QString groupName() const;
+
+    quint32 rx() const;
+    bool hasReceivers() const;
+    // step x value as the host expects it: a signed 32-bit product.
+    static qint32 scaled(int step, int value);
+    static int checkedPosition(const QActionGroup *group);
+    static void checkPosition(QActionGroup *group, int position);
+
+    Dialix device;
+    std::shared_ptr<qrvCommand> codec;
+    QPointer<DialixOptions> options;
+    QList<QMenu *> buttonMenus;
+    QList<QMenu *> dialMenus;
+    QList<QActionGroup *> buttonGroups;
+    QList<QActionGroup *> dialGroups;
+    QPointer<DeviceManagerAbstract> deviceManager;
+    bool dashState = false;
+    bool dotState = false;
+    int index = 0;
+    QMenu *audioMenu = nullptr;
+    QMenu *dspMenu = nullptr;
+    QMenu *mainMenu = nullptr;
+    QMenu *vfoRx2Menu = nullptr;
+    ValueTimeout valueTimeout;
+    SerialPortControl serialPort;
+    QTimer retryTimer;
+};
