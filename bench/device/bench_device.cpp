@@ -1,0 +1,311 @@
+// Figures of the panel device over the virtual panel: report-to-slot latency
+// against a bare queued signal, a 1 kHz report stream, the saturation rate and
+// the CPU of an open panel (idle, and with every read failing).
+#include "plugins/panels/dialix/source/dialix.h"
+#include "tools/virtualpanel/virtualpanel.h"
+
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QThread>
+#include <QTimer>
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+#include <random>
+#include <thread>
+#include <vector>
+
+namespace vp = VirtualPanel;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+qint64 nowNs()
+{
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch())
+        .count();
+}
+
+double processCpuSeconds()
+{
+    rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
+        + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+// CPU use of the whole process over a stretch of wall time, in percent of one core.
+struct CpuMeter
+{
+    double cpu = processCpuSeconds();
+    Clock::time_point wall = Clock::now();
+    double percent() const
+    {
+        const double seconds = std::chrono::duration<double>(Clock::now() - wall).count();
+        return 100.0 * (processCpuSeconds() - cpu) / seconds;
+    }
+};
+
+// Serves the main thread's events until `done` holds.
+template<typename Pred>
+void serveUntil(Pred done)
+{
+    while (!done())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents);
+}
+
+double percentile(std::vector<double> v, double p)
+{
+    if (v.empty())
+        return 0;
+    std::sort(v.begin(), v.end());
+    return v[std::min(v.size() - 1, size_t(p / 100.0 * double(v.size())))];
+}
+
+// One event in flight at a time: the driver stamps and fires, the slot on the
+// main thread measures and acknowledges, the driver pauses a random 0.2-1 ms.
+struct PingPong
+{
+    std::atomic<qint64> stamp {0};
+    std::mutex mutex;
+    std::condition_variable acked;
+    bool ack = false;
+    std::vector<double> latenciesUs;
+    std::atomic<bool> finished {false};
+
+    void received()
+    {
+        latenciesUs.push_back(double(nowNs() - stamp.load()) / 1000.0);
+        std::lock_guard<std::mutex> lock(mutex);
+        ack = true;
+        acked.notify_one();
+    }
+
+    template<typename Fire>
+    void drive(int samples, Fire fire)
+    {
+        std::mt19937 random(42);
+        std::uniform_int_distribution<int> pause(200, 1000);
+        for (int i = 0; i < samples; ++i) {
+            {
+                std::lock_guard<std::mutex> lock(mutex);
+                ack = false;
+            }
+            stamp.store(nowNs());
+            fire(i);
+            std::unique_lock<std::mutex> lock(mutex);
+            acked.wait(lock, [this] { return ack; });
+            lock.unlock();
+            std::this_thread::sleep_for(std::chrono::microseconds(pause(random)));
+        }
+        finished.store(true);
+        QCoreApplication::instance()->thread()->eventDispatcher()->wakeUp();
+    }
+};
+
+class Emitter : public QObject
+{
+    Q_OBJECT
+signals:
+    void ping();
+};
+
+struct Metric
+{
+    QString name;
+    double value;
+    QString unit;
+    double floor = -1;
+    QString note;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    qRegisterMetaType<Dialix::Buttons>("Dialix::Buttons");
+    qRegisterMetaType<Dialix::Dials>("Dialix::Dials");
+    qRegisterMetaType<Dialix::DialButtons>("Dialix::DialButtons");
+    std::vector<Metric> metrics;
+    constexpr int Samples = 1000;
+
+    // Floor: a bare queued signal from a plain thread to the main thread.
+    PingPong floorRun;
+    {
+        Emitter emitter;
+        QObject receiver;
+        QObject::connect(&emitter, &Emitter::ping, &receiver, [&] { floorRun.received(); });
+        std::thread driver([&] { floorRun.drive(Samples, [&](int) { emit emitter.ping(); }); });
+        serveUntil([&] { return floorRun.finished.load(); });
+        driver.join();
+    }
+
+    // The same pattern through the panel: report queued on the virtual panel,
+    // read and decoded on the reader thread, button() handled on the main thread.
+    vp::reset();
+    const int panel = vp::plug("BENCH");
+    PingPong panelRun;
+    {
+        Dialix device;
+        QObject receiver;
+        QObject::connect(&device, &Dialix::button, &receiver,
+                         [&](Dialix::Buttons, bool) { panelRun.received(); });
+        device.findDevices();
+        if (!device.openDevice()) {
+            std::fprintf(stderr, "cannot open the virtual panel\n");
+            return 1;
+        }
+        std::thread driver([&] {
+            panelRun.drive(Samples, [&](int i) {
+                if (i % 2 == 0)
+                    vp::pressKey(panel, 1);
+                else
+                    vp::releaseKey(panel, 1);
+            });
+        });
+        serveUntil([&] { return panelRun.finished.load(); });
+        driver.join();
+        device.closeDevice();
+    }
+    const double floorP50 = percentile(floorRun.latenciesUs, 50);
+    const double floorP99 = percentile(floorRun.latenciesUs, 99);
+    metrics.push_back({"report_to_slot_p50", percentile(panelRun.latenciesUs, 50), "us", floorP50,
+                       "floor: bare cross-thread queued signal"});
+    metrics.push_back({"report_to_slot_p99", percentile(panelRun.latenciesUs, 99), "us", floorP99,
+                       "floor: bare cross-thread queued signal"});
+
+    // A full-speed USB panel's maximum: one report per millisecond for 10 s,
+    // each report toggling one key, so every report carries exactly one edge.
+    {
+        constexpr int Reports = 10000;
+        Dialix device;
+        QObject receiver;
+        int edges = 0;
+        int outOfOrder = 0;
+        quint32 expectWord = 0; // a new device starts from an all-open word
+        quint32 word = 0;
+        QObject::connect(&device, &Dialix::button, &receiver, [&](Dialix::Buttons b, bool s) {
+            expectWord ^= 1u << b;
+            if (bool(expectWord & (1u << b)) != s)
+                ++outOfOrder;
+            ++edges;
+        });
+        std::atomic<bool> done {false};
+        device.findDevices();
+        device.openDevice();
+        QCoreApplication::processEvents();
+        CpuMeter cpu;
+        std::thread driver([&] {
+            auto next = Clock::now();
+            for (int i = 0; i < Reports; ++i) {
+                next += std::chrono::milliseconds(1);
+                std::this_thread::sleep_until(next);
+                word ^= 1u << (i % 15);
+                vp::queueReport(panel, vp::makeReport(word));
+            }
+            done.store(true);
+            QCoreApplication::instance()->thread()->eventDispatcher()->wakeUp();
+        });
+        serveUntil([&] { return done.load(); });
+        driver.join();
+        vp::waitUntilRead(panel, 2000);
+        const auto settle = Clock::now() + std::chrono::milliseconds(200);
+        while (edges < Reports && Clock::now() < settle)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        const double cpuPercent = cpu.percent();
+        device.closeDevice();
+        metrics.push_back(
+            {"stream_1khz_edges_lost", double(Reports - edges), "count", -1,
+             QStringLiteral("%1 reports in 10 s, %2 out of order").arg(Reports).arg(outOfOrder)});
+        metrics.push_back({"stream_1khz_cpu", cpuPercent, "pct", -1,
+                           "whole process, the simulated panel's thread included"});
+    }
+
+    // Saturation: a backlog of reports read as fast as the loop goes, every edge
+    // handled on the main thread.
+    {
+        constexpr int Reports = 100000;
+        quint32 word = 0;
+        for (int i = 0; i < Reports; ++i) {
+            word ^= 1u << (i % 15);
+            vp::queueReport(panel, vp::makeReport(word));
+        }
+        Dialix device;
+        QObject receiver;
+        int edges = 0;
+        QObject::connect(&device, &Dialix::button, &receiver,
+                         [&](Dialix::Buttons, bool) { ++edges; });
+        QTimer tick; // bounds each wait below
+        tick.start(50);
+        const auto started = Clock::now();
+        const auto deadline = started + std::chrono::seconds(30);
+        double readSeconds = 0;
+        device.findDevices();
+        device.openDevice();
+        while (edges < Reports && Clock::now() < deadline) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents);
+            if (readSeconds == 0 && vp::pendingReports(panel) == 0)
+                readSeconds = std::chrono::duration<double>(Clock::now() - started).count();
+        }
+        const double seconds = std::chrono::duration<double>(Clock::now() - started).count();
+        device.closeDevice();
+        metrics.push_back({"saturation_reports", Reports / seconds, "per_s", -1,
+                           "read, decoded and handled on the main thread"});
+        metrics.push_back(
+            {"saturation_reader_only", Reports / readSeconds, "per_s", -1, "read and decoded"});
+    }
+
+    // An open panel with nothing to say, and one whose every read fails at once
+    // (an unplugged hidraw node).
+    for (const bool failing : {false, true}) {
+        Dialix device;
+        device.findDevices();
+        device.openDevice();
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        vp::setReadsFail(panel, failing);
+        const int readsBefore = vp::readCalls(panel);
+        CpuMeter cpu;
+        std::this_thread::sleep_for(std::chrono::seconds(3));
+        const double cpuPercent = cpu.percent();
+        const int reads = vp::readCalls(panel) - readsBefore;
+        vp::setReadsFail(panel, false);
+        device.closeDevice();
+        metrics.push_back({failing ? "read_error_cpu" : "idle_cpu", cpuPercent, "pct", -1,
+                           QStringLiteral("%1 reads per second").arg(reads / 3)});
+    }
+    vp::reset();
+
+    std::printf("%-26s %14s %-6s %12s %8s  %s\n", "figure", "value", "unit", "floor", "ratio",
+                "note");
+    QJsonArray list;
+    for (const Metric &m : metrics) {
+        QJsonObject o {{"name", m.name}, {"value", m.value}, {"unit", m.unit}};
+        QString floorText, ratioText;
+        if (m.floor >= 0) {
+            o["floor"] = m.floor;
+            floorText = QString::number(m.floor, 'f', 1);
+            ratioText = QString::number(m.value / m.floor, 'f', 2) + "x";
+        }
+        if (!m.note.isEmpty())
+            o["note"] = m.note;
+        list.append(o);
+        std::printf("%-26s %14.1f %-6s %12s %8s  %s\n", qPrintable(m.name), m.value,
+                    qPrintable(m.unit), qPrintable(floorText), qPrintable(ratioText),
+                    qPrintable(m.note));
+    }
+    const QJsonObject doc {{"bench", "device"}, {"metrics", list}};
+    std::printf("%s\n", QJsonDocument(doc).toJson(QJsonDocument::Compact).constData());
+    return 0;
+}
+
+#include "bench_device.moc"
