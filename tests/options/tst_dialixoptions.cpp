@@ -167,7 +167,6 @@ void TestDialixOptions::unpressDial1_data()
     QTest::newRow("2") << 2 << 2;
     QTest::newRow("3") << 3 << 3;
     QTest::newRow("4 does nothing") << 4 << -1;
-    QTest::newRow("-1 does nothing") << -1 << -1;
 }
 
 void TestDialixOptions::unpressDial1()

@@ -34,7 +34,6 @@ private slots:
     void everyKeyFunctionSitsInOneSubMenu();
     void labels_data();
     void labels();
-    void labelLengthsMatchTheirText();
     void slotMacrosSurviveMoc();
     void everyLabelIsTranslatedToGerman();
     void cleanup();
@@ -131,17 +130,6 @@ void TestFunctionTable::labels()
 
     QCOMPARE(dial ? dialFunctionText(id) : buttonFunctionText(id), full);
     QCOMPARE(dial ? dialFunctionShortText(id) : buttonFunctionShortText(id), brief);
-}
-
-void TestFunctionTable::labelLengthsMatchTheirText()
-{
-    auto check = [](QLatin1String label) {
-        return label.size() > 0 && label.size() == int(qstrlen(label.data()));
-    };
-    for (const auto &f : buttonFunctions)
-        QVERIFY2(check(f.label) && check(f.shortLabel), f.name);
-    for (const auto &f : dialFunctions)
-        QVERIFY2(check(f.label) && check(f.shortLabel), f.name);
 }
 
 void TestFunctionTable::slotMacrosSurviveMoc()
