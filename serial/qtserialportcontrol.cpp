@@ -1,0 +1,286 @@
+#include "serial/qtserialportcontrol.h"
+
+#include <QDebug>
+#include <QMutexLocker>
+#include <QSerialPortInfo>
+#include <QTimerEvent>
+
+#include <cstddef>
+#include <iterator>
+
+namespace {
+
+// The interface's setting codes are the positions in these tables.
+// clang-format off
+constexpr QSerialPort::DataBits kDataBits[] = {
+    QSerialPort::Data5,          // 0
+    QSerialPort::Data6,          // 1
+    QSerialPort::Data7,          // 2
+    QSerialPort::Data8,          // 3
+};
+constexpr QSerialPort::Parity kParity[] = {
+    QSerialPort::NoParity,       // 0
+    QSerialPort::EvenParity,     // 1
+    QSerialPort::OddParity,      // 2
+    QSerialPort::SpaceParity,    // 3
+    QSerialPort::MarkParity,     // 4
+};
+constexpr QSerialPort::StopBits kStopBits[] = {
+    QSerialPort::OneStop,        // 0
+    QSerialPort::OneAndHalfStop, // 1
+    QSerialPort::TwoStop,        // 2
+};
+constexpr QSerialPort::FlowControl kFlowControl[] = {
+    QSerialPort::NoFlowControl,   // 0
+    QSerialPort::HardwareControl, // 1
+    QSerialPort::SoftwareControl, // 2
+};
+// clang-format on
+
+// The value for `code`, or nullptr when the table has no such code.
+template<typename T, std::size_t N>
+const T *valueOf(const T (&table)[N], int code)
+{
+    if (code < 0 || static_cast<std::size_t>(code) >= N)
+        return nullptr;
+    return &table[code];
+}
+
+// The code of `value`, or -1 when the table does not hold it.
+template<typename T, std::size_t N>
+int codeOf(const T (&table)[N], T value)
+{
+    for (std::size_t i = 0; i < N; ++i) {
+        if (table[i] == value)
+            return static_cast<int>(i);
+    }
+    return -1;
+}
+
+} // namespace
+
+QtSerialPortControl::QtSerialPortControl(QObject *parent)
+    : SerialPortAbstract(parent)
+{ }
+
+QtSerialPortControl::~QtSerialPortControl() = default;
+
+QString QtSerialPortControl::errorString() const
+{
+    QMutexLocker locker(&m_mutex);
+    return m_port.errorString();
+}
+
+QStringList QtSerialPortControl::availablePorts() const
+{
+    QMutexLocker locker(&m_mutex);
+    QStringList names;
+    const auto ports = QSerialPortInfo::availablePorts();
+    for (const QSerialPortInfo &info : ports)
+        names.append(info.portName());
+    return names;
+}
+
+void QtSerialPortControl::setPortName(const QString &name)
+{
+    m_port.setPortName(name);
+}
+
+QString QtSerialPortControl::portName() const
+{
+    QMutexLocker locker(&m_mutex);
+    return m_port.portName();
+}
+
+bool QtSerialPortControl::open(QIODevice::OpenMode mode)
+{
+    QMutexLocker locker(&m_mutex);
+    // Where the platform keeps line settings across an open, the lines are
+    // low before the port opens.
+    m_port.setDataTerminalReady(false);
+    m_port.setRequestToSend(false);
+    m_port.setReadBufferSize(4096);
+    if (!m_port.open(mode))
+        return false;
+    // Opening a tty on Linux raises DTR and RTS. A PTT line that stays up
+    // keys the transmitter, so both go low again until PTT drives them.
+    m_port.setDataTerminalReady(false);
+    m_port.setRequestToSend(false);
+    return true;
+}
+
+void QtSerialPortControl::close()
+{
+    QMutexLocker locker(&m_mutex);
+    if (m_port.isOpen())
+        m_port.close();
+}
+
+bool QtSerialPortControl::setBaudRate(qint32 rate, QSerialPort::Directions directions)
+{
+    Q_UNUSED(directions)
+    QMutexLocker locker(&m_mutex);
+    m_port.setBaudRate(rate, QSerialPort::AllDirections);
+    return true;
+}
+
+qint32 QtSerialPortControl::baudRate() const
+{
+    QMutexLocker locker(&m_mutex);
+    return m_port.baudRate(QSerialPort::AllDirections);
+}
+
+bool QtSerialPortControl::setDataBits(int code)
+{
+    QMutexLocker locker(&m_mutex);
+    const auto *value = valueOf(kDataBits, code);
+    return value && m_port.setDataBits(*value);
+}
+
+int QtSerialPortControl::dataBits() const
+{
+    QMutexLocker locker(&m_mutex);
+    return codeOf(kDataBits, m_port.dataBits());
+}
+
+bool QtSerialPortControl::setParity(int code)
+{
+    QMutexLocker locker(&m_mutex);
+    const auto *value = valueOf(kParity, code);
+    return value && m_port.setParity(*value);
+}
+
+int QtSerialPortControl::parity() const
+{
+    QMutexLocker locker(&m_mutex);
+    return codeOf(kParity, m_port.parity());
+}
+
+bool QtSerialPortControl::setStopBits(int code)
+{
+    QMutexLocker locker(&m_mutex);
+    const auto *value = valueOf(kStopBits, code);
+    return value && m_port.setStopBits(*value);
+}
+
+int QtSerialPortControl::stopBits() const
+{
+    QMutexLocker locker(&m_mutex);
+    return codeOf(kStopBits, m_port.stopBits());
+}
+
+bool QtSerialPortControl::setFlowControl(int code)
+{
+    QMutexLocker locker(&m_mutex);
+    const auto *value = valueOf(kFlowControl, code);
+    return value && m_port.setFlowControl(*value);
+}
+
+int QtSerialPortControl::flowControl() const
+{
+    QMutexLocker locker(&m_mutex);
+    return codeOf(kFlowControl, m_port.flowControl());
+}
+
+bool QtSerialPortControl::setDataTerminalReady(bool set)
+{
+    QMutexLocker locker(&m_mutex);
+    m_port.setDataTerminalReady(set);
+    return true;
+}
+
+bool QtSerialPortControl::setRequestToSend(bool set)
+{
+    QMutexLocker locker(&m_mutex);
+    m_port.setRequestToSend(set);
+    return true;
+}
+
+qint64 QtSerialPortControl::write(QByteArray array)
+{
+    QMutexLocker locker(&m_mutex);
+    const qint64 written = m_port.write(array);
+    if (written != array.size())
+        qDebug("%s failed to write data, %s", Q_FUNC_INFO, qUtf8Printable(m_port.errorString()));
+    if (!m_port.flush())
+        qDebug("%s failed to flush", Q_FUNC_INFO);
+    return written;
+}
+
+QByteArray QtSerialPortControl::readAll()
+{
+    QMutexLocker locker(&m_mutex);
+    return m_port.readAll();
+}
+
+void QtSerialPortControl::flush()
+{
+    QMutexLocker locker(&m_mutex);
+    m_port.flush();
+}
+
+void QtSerialPortControl::reset()
+{
+    QMutexLocker locker(&m_mutex);
+    m_port.reset();
+}
+
+bool QtSerialPortControl::waitForReadyRead(int msecs)
+{
+    QMutexLocker locker(&m_mutex);
+    return m_port.waitForReadyRead(msecs);
+}
+
+bool QtSerialPortControl::isDataTerminalReady() const
+{
+    QMutexLocker locker(&m_mutex);
+    return m_dataTerminalReady;
+}
+
+bool QtSerialPortControl::isRequestToSend() const
+{
+    QMutexLocker locker(&m_mutex);
+    return m_requestToSend;
+}
+
+bool QtSerialPortControl::isClearToSend()
+{
+    QMutexLocker locker(&m_mutex);
+    return m_port.pinoutSignals().testFlag(QSerialPort::ClearToSendSignal);
+}
+
+bool QtSerialPortControl::isDataSetReady()
+{
+    QMutexLocker locker(&m_mutex);
+    return m_port.pinoutSignals().testFlag(QSerialPort::DataSetReadySignal);
+}
+
+void QtSerialPortControl::startLinePolling(int msecs)
+{
+    stopLinePolling();
+    m_timerId = startTimer(msecs);
+}
+
+void QtSerialPortControl::stopLinePolling()
+{
+    if (m_timerId != 0) {
+        killTimer(m_timerId);
+        m_timerId = 0;
+    }
+}
+
+void QtSerialPortControl::timerEvent(QTimerEvent *event)
+{
+    if (m_timerId == 0 || event->timerId() != m_timerId) {
+        SerialPortAbstract::timerEvent(event);
+        return;
+    }
+    // Runs on this object's thread without the lock: it only reads the pins.
+    const QSerialPort::PinoutSignals pins = m_port.pinoutSignals();
+    const bool cts = pins.testFlag(QSerialPort::ClearToSendSignal);
+    if (m_lastCts.exchange(cts) != cts)
+        emit ctsChanged(cts);
+    const bool dsr = pins.testFlag(QSerialPort::DataSetReadySignal);
+    if (m_lastDsr.exchange(dsr) != dsr)
+        emit dsrChanged(dsr);
+}

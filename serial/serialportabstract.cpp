@@ -1,0 +1,13 @@
+#include "serial/serialportabstract.h"
+
+SerialPortAbstract::SerialPortAbstract(QObject *parent)
+    : QObject(parent)
+{ }
+
+SerialPortAbstract::~SerialPortAbstract() = default;
+
+bool SerialPortAbstract::waitForReadyRead(int msecs)
+{
+    Q_UNUSED(msecs)
+    return true;
+}

@@ -1,0 +1,30 @@
+#include "serial/serialportcontrol.h"
+
+#include "serial/qtserialportcontrol.h"
+
+SerialPortControl::SerialPortControl(QObject *parent)
+    : QObject(parent)
+{
+    // The list owns its implementations; they have no QObject parent.
+    auto *port = new QtSerialPortControl;
+    m_ports.append(port);
+    m_current = 0;
+    connect(port, &SerialPortAbstract::ctsChanged, this, &SerialPortControl::ctsChanged);
+    connect(port, &SerialPortAbstract::dsrChanged, this, &SerialPortControl::dsrChanged);
+}
+
+SerialPortControl::~SerialPortControl()
+{
+    for (SerialPortAbstract *port : qAsConst(m_ports))
+        port->deleteLater();
+}
+
+SerialPortAbstract *SerialPortControl::current() const
+{
+    return m_ports.at(m_current);
+}
+
+qint64 SerialPortControl::write(QByteArray array)
+{
+    return current()->write(array);
+}

@@ -1,0 +1,412 @@
+#include "serial/qtserialportcontrol.h"
+#include "tests/serial/messagelog.h"
+#include "tests/support/ptymodemlines.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <termios.h>
+
+using ModemLines::Cause;
+using ModemLines::Dtr;
+using ModemLines::Rts;
+
+namespace {
+
+enum Setting { DataBits, Parity, StopBits, FlowControl };
+
+bool set(QtSerialPortControl &port, Setting setting, int code)
+{
+    switch (setting) {
+    case DataBits:
+        return port.setDataBits(code);
+    case Parity:
+        return port.setParity(code);
+    case StopBits:
+        return port.setStopBits(code);
+    case FlowControl:
+        return port.setFlowControl(code);
+    }
+    return false;
+}
+
+int get(const QtSerialPortControl &port, Setting setting)
+{
+    switch (setting) {
+    case DataBits:
+        return port.dataBits();
+    case Parity:
+        return port.parity();
+    case StopBits:
+        return port.stopBits();
+    case FlowControl:
+        return port.flowControl();
+    }
+    return -2;
+}
+
+// A valid code of each setting that is not the serial library's default.
+int nonDefaultCode(Setting setting)
+{
+    return setting == DataBits ? 1 : 2;
+}
+
+QString lineLog(const QVector<ModemLines::Change> &changes)
+{
+    QStringList parts;
+    for (const auto &change : changes)
+        parts.append(
+            QStringLiteral("%1:%2->%3")
+                .arg(int(change.cause))
+                .arg(ModemLines::describe(change.before), ModemLines::describe(change.after)));
+    return parts.join(QLatin1Char(' '));
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Setting)
+
+class tst_QtSerialPortControl : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void openLowersTheLinesItRaises();
+    void linesFollowTheSetCalls_data();
+    void linesFollowTheSetCalls();
+    void closeHangsUpAndAllowsReopen();
+    void closeOnClosedPortIsSilent();
+    void openFailure_data();
+    void openFailure();
+    void settingCodes_data();
+    void settingCodes();
+    void baudRateSetsBothDirections();
+    void writeReachesTheFarEnd();
+    void writeOnClosedPort();
+    void linePollSignalsChangesOnly();
+};
+
+void tst_QtSerialPortControl::initTestCase()
+{
+    QVERIFY2(ModemLines::isActive(), "the pty modem-line emulation is not in effect");
+}
+
+void tst_QtSerialPortControl::openLowersTheLinesItRaises()
+{
+    PtyPort pty;
+    QVERIFY2(pty.isValid(), qPrintable(pty.errorString()));
+    QtSerialPortControl port;
+    port.setPortName(pty.portName());
+
+    QVERIFY2(port.open(QIODevice::ReadWrite), qPrintable(port.errorString()));
+
+    // The tty raised both lines on open; the port lowered them again before
+    // returning, and touched nothing else.
+    const auto changes = pty.changes();
+    QCOMPARE(changes.size(), 3);
+    QCOMPARE(changes.at(0).cause, Cause::Open);
+    QCOMPARE(changes.at(0).after, Dtr | Rts);
+    QCOMPARE(changes.at(1).cause, Cause::Write);
+    QCOMPARE(changes.at(2).cause, Cause::Write);
+    QCOMPARE(changes.at(2).after, 0);
+    QCOMPARE(pty.lines(), 0);
+
+    // The serial library's defaults: 9600 8N1, no flow control.
+    const termios tio = pty.settings();
+    QCOMPARE(cfgetospeed(&tio), speed_t(B9600));
+    QCOMPARE(cfgetispeed(&tio), speed_t(B9600));
+    QCOMPARE(tio.c_cflag & (CSIZE | PARENB | CSTOPB | CRTSCTS), tcflag_t(CS8));
+    QCOMPARE(tio.c_iflag & (IXON | IXOFF), tcflag_t(0));
+    QCOMPARE(port.baudRate(), 9600);
+    QCOMPARE(port.dataBits(), 3);
+    QCOMPARE(port.parity(), 0);
+    QCOMPARE(port.stopBits(), 0);
+    QCOMPARE(port.flowControl(), 0);
+}
+
+void tst_QtSerialPortControl::linesFollowTheSetCalls_data()
+{
+    // Each step: 'D' or 'R' for DTR or RTS, '+' or '-' for high or low.
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QVector<int>>("lines");
+
+    QTest::newRow("DTR up and down") << "D+ D-" << QVector<int> {Dtr, 0};
+    QTest::newRow("RTS up and down") << "R+ R-" << QVector<int> {Rts, 0};
+    QTest::newRow("both, DTR first down") << "D+ R+ D- R-" << QVector<int> {Dtr, Dtr | Rts, Rts, 0};
+    QTest::newRow("repeated high") << "R+ R+ D+" << QVector<int> {Rts, Rts, Dtr | Rts};
+    QTest::newRow("low while low") << "D- R-" << QVector<int> {0, 0};
+}
+
+void tst_QtSerialPortControl::linesFollowTheSetCalls()
+{
+    QFETCH(QString, steps);
+    QFETCH(QVector<int>, lines);
+
+    PtyPort pty;
+    QVERIFY2(pty.isValid(), qPrintable(pty.errorString()));
+    QtSerialPortControl port;
+    port.setPortName(pty.portName());
+    QVERIFY2(port.open(QIODevice::ReadWrite), qPrintable(port.errorString()));
+    const int opened = pty.changes().size();
+
+    const QStringList list = steps.split(QLatin1Char(' '));
+    QCOMPARE(list.size(), lines.size());
+    for (int i = 0; i < list.size(); ++i) {
+        const bool high = list.at(i).at(1) == QLatin1Char('+');
+        const bool accepted = list.at(i).at(0) == QLatin1Char('D') ? port.setDataTerminalReady(high)
+                                                                   : port.setRequestToSend(high);
+        QVERIFY(accepted);
+        QCOMPARE(ModemLines::describe(pty.lines()), ModemLines::describe(lines.at(i)));
+    }
+
+    // One line write per call and nothing else.
+    const auto changes = pty.changes().mid(opened);
+    QCOMPARE(changes.size(), lines.size());
+    for (int i = 0; i < changes.size(); ++i) {
+        QCOMPARE(changes.at(i).cause, Cause::Write);
+        QCOMPARE(changes.at(i).after, lines.at(i));
+    }
+
+    // The stored flags do not follow the lines.
+    QCOMPARE(port.isDataTerminalReady(), false);
+    QCOMPARE(port.isRequestToSend(), false);
+}
+
+void tst_QtSerialPortControl::closeHangsUpAndAllowsReopen()
+{
+    PtyPort pty;
+    QVERIFY2(pty.isValid(), qPrintable(pty.errorString()));
+    QtSerialPortControl port;
+    port.setPortName(pty.portName());
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    port.setDataTerminalReady(true);
+    port.setRequestToSend(true);
+
+    port.close();
+    QCOMPARE(pty.changes().last().cause, Cause::HangUp);
+    QCOMPARE(pty.lines(), 0);
+
+    // The descriptor and the lock are released: the port opens again, low.
+    QVERIFY2(port.open(QIODevice::ReadWrite), qPrintable(port.errorString()));
+    QCOMPARE(pty.lines(), 0);
+}
+
+void tst_QtSerialPortControl::closeOnClosedPortIsSilent()
+{
+    PtyPort pty;
+    QtSerialPortControl port;
+    port.setPortName(pty.portName());
+    MessageLog log;
+
+    port.close();
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    port.close();
+    const int changes = pty.changes().size();
+    const int messages = log.count();
+    port.close();
+
+    QCOMPARE(log.count(), messages);
+    QCOMPARE(pty.changes().size(), changes);
+    QVERIFY(log.messages(QtWarningMsg).filter(QStringLiteral("close")).isEmpty());
+}
+
+void tst_QtSerialPortControl::openFailure_data()
+{
+    QTest::addColumn<bool>("inUse");
+    QTest::newRow("no such device") << false;
+    QTest::newRow("held by another port") << true;
+}
+
+void tst_QtSerialPortControl::openFailure()
+{
+    QFETCH(bool, inUse);
+
+    PtyPort pty;
+    QVERIFY2(pty.isValid(), qPrintable(pty.errorString()));
+    QtSerialPortControl holder;
+    QString name = QStringLiteral("/nonexistent/ttyDialix0");
+    if (inUse) {
+        name = pty.portName();
+        holder.setPortName(name);
+        QVERIFY(holder.open(QIODevice::ReadWrite));
+        holder.setDataTerminalReady(true);
+    }
+    const auto before = ModemLines::changes();
+
+    QtSerialPortControl port;
+    port.setPortName(name);
+    QVERIFY(!port.open(QIODevice::ReadWrite));
+    QVERIFY(!port.errorString().isEmpty());
+
+    // A failed open touches no line, also not those of the port's holder.
+    QCOMPARE(lineLog(ModemLines::changes()), lineLog(before));
+    if (inUse)
+        QCOMPARE(pty.lines(), int(Dtr));
+    port.close();
+}
+
+void tst_QtSerialPortControl::settingCodes_data()
+{
+    QTest::addColumn<Setting>("setting");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<bool>("accepted");
+    // What the open port shows in termios; a zero mask means no check.
+    QTest::addColumn<uint>("cflagMask");
+    QTest::addColumn<uint>("cflag");
+    QTest::addColumn<uint>("iflagMask");
+    QTest::addColumn<uint>("iflag");
+
+    const uint size = CSIZE;
+    const uint parity = PARENB | PARODD | CMSPAR;
+    const uint flow = CRTSCTS;
+    const uint soft = IXON | IXOFF;
+
+    // clang-format off
+    QTest::newRow("data 0: 5 bits")    << DataBits << 0 << true << size << uint(CS5) << 0u << 0u;
+    QTest::newRow("data 1: 6 bits")    << DataBits << 1 << true << size << uint(CS6) << 0u << 0u;
+    QTest::newRow("data 2: 7 bits")    << DataBits << 2 << true << size << uint(CS7) << 0u << 0u;
+    QTest::newRow("data 3: 8 bits")    << DataBits << 3 << true << size << uint(CS8) << 0u << 0u;
+    QTest::newRow("data 4 refused")    << DataBits << 4 << false << 0u << 0u << 0u << 0u;
+    QTest::newRow("data -1 refused")   << DataBits << -1 << false << 0u << 0u << 0u << 0u;
+    QTest::newRow("data 8 refused")    << DataBits << 8 << false << 0u << 0u << 0u << 0u;
+    QTest::newRow("parity 0: none")    << Parity << 0 << true << uint(PARENB) << 0u << 0u << 0u;
+    QTest::newRow("parity 1: even")    << Parity << 1 << true << parity << uint(PARENB) << 0u << 0u;
+    QTest::newRow("parity 2: odd")     << Parity << 2 << true << parity << uint(PARENB | PARODD) << 0u << 0u;
+    QTest::newRow("parity 3: space")   << Parity << 3 << true << parity << uint(PARENB | CMSPAR) << 0u << 0u;
+    QTest::newRow("parity 4: mark")    << Parity << 4 << true << parity << uint(PARENB | CMSPAR | PARODD) << 0u << 0u;
+    QTest::newRow("parity 5 refused")  << Parity << 5 << false << 0u << 0u << 0u << 0u;
+    QTest::newRow("parity -1 refused") << Parity << -1 << false << 0u << 0u << 0u << 0u;
+    QTest::newRow("stop 0: one")       << StopBits << 0 << true << uint(CSTOPB) << 0u << 0u << 0u;
+    // Linux has no one and a half stop bits; the code is only stored.
+    QTest::newRow("stop 1: 1.5")       << StopBits << 1 << true << 0u << 0u << 0u << 0u;
+    QTest::newRow("stop 2: two")       << StopBits << 2 << true << uint(CSTOPB) << uint(CSTOPB) << 0u << 0u;
+    QTest::newRow("stop 3 refused")    << StopBits << 3 << false << 0u << 0u << 0u << 0u;
+    QTest::newRow("flow 0: none")      << FlowControl << 0 << true << flow << 0u << soft << 0u;
+    QTest::newRow("flow 1: hardware")  << FlowControl << 1 << true << flow << flow << soft << 0u;
+    QTest::newRow("flow 2: software")  << FlowControl << 2 << true << flow << 0u << soft << soft;
+    QTest::newRow("flow 3 refused")    << FlowControl << 3 << false << 0u << 0u << 0u << 0u;
+    // clang-format on
+}
+
+void tst_QtSerialPortControl::settingCodes()
+{
+    QFETCH(Setting, setting);
+    QFETCH(int, code);
+    QFETCH(bool, accepted);
+    QFETCH(uint, cflagMask);
+    QFETCH(uint, cflag);
+    QFETCH(uint, iflagMask);
+    QFETCH(uint, iflag);
+
+    // Closed port: the code goes in and comes back, or is refused and the
+    // previous setting stays.
+    QtSerialPortControl closed;
+    const int previous = nonDefaultCode(setting);
+    QVERIFY(set(closed, setting, previous));
+    QCOMPARE(set(closed, setting, code), accepted);
+    QCOMPARE(get(closed, setting), accepted ? code : previous);
+
+    if (!cflagMask && !iflagMask)
+        return;
+
+    // Open port: the code reaches the line settings.
+    PtyPort pty;
+    QVERIFY2(pty.isValid(), qPrintable(pty.errorString()));
+    QtSerialPortControl port;
+    port.setPortName(pty.portName());
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    QVERIFY2(set(port, setting, previous), qPrintable(port.errorString()));
+    QVERIFY2(set(port, setting, code), qPrintable(port.errorString()));
+    QCOMPARE(get(port, setting), code);
+    const termios tio = pty.settings();
+    QCOMPARE(uint(tio.c_cflag) & cflagMask, cflag);
+    QCOMPARE(uint(tio.c_iflag) & iflagMask, iflag);
+}
+
+void tst_QtSerialPortControl::baudRateSetsBothDirections()
+{
+    PtyPort pty;
+    QtSerialPortControl port;
+    port.setPortName(pty.portName());
+    QVERIFY(port.open(QIODevice::ReadWrite));
+
+    QVERIFY(port.setBaudRate(19200, QSerialPort::Input));
+    QCOMPARE(port.baudRate(), 19200);
+    const termios tio = pty.settings();
+    QCOMPARE(cfgetispeed(&tio), speed_t(B19200));
+    QCOMPARE(cfgetospeed(&tio), speed_t(B19200));
+}
+
+void tst_QtSerialPortControl::writeReachesTheFarEnd()
+{
+    PtyPort pty;
+    QtSerialPortControl port;
+    port.setPortName(pty.portName());
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    MessageLog log;
+
+    QCOMPARE(port.write(QByteArrayLiteral("PTT\r\n")), qint64(5));
+    QCOMPARE(pty.read(), QByteArrayLiteral("PTT\r\n"));
+    QCOMPARE(log.messages(QtDebugMsg), QStringList());
+
+    QVERIFY(pty.write(QByteArrayLiteral("ok")));
+    QVERIFY(port.waitForReadyRead(5000));
+    QByteArray received = port.readAll();
+    while (received.size() < 2 && port.waitForReadyRead(5000))
+        received += port.readAll();
+    QCOMPARE(received, QByteArrayLiteral("ok"));
+}
+
+void tst_QtSerialPortControl::writeOnClosedPort()
+{
+    QtSerialPortControl port;
+    port.setPortName(QStringLiteral("/nonexistent/ttyDialix0"));
+    MessageLog log;
+
+    QCOMPARE(port.write(QByteArrayLiteral("x")), qint64(-1));
+
+    const QStringList debug = log.messages(QtDebugMsg);
+    QCOMPARE(debug.size(), 2);
+    QVERIFY2(debug.at(0).contains(
+                 QRegularExpression(QStringLiteral("QtSerialPortControl::write\\(.*\\) failed to "
+                                                   "write data, \\S"))),
+             qPrintable(debug.at(0)));
+    QVERIFY2(debug.at(1).contains(QRegularExpression(
+                 QStringLiteral("QtSerialPortControl::write\\(.*\\) failed to flush$"))),
+             qPrintable(debug.at(1)));
+}
+
+void tst_QtSerialPortControl::linePollSignalsChangesOnly()
+{
+    PtyPort pty;
+    QtSerialPortControl port;
+    port.setPortName(pty.portName());
+    QVERIFY(pty.setInputs(ModemLines::Cts));
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    QVERIFY(port.isClearToSend());
+    QVERIFY(!port.isDataSetReady());
+    QSignalSpy cts(&port, &SerialPortAbstract::ctsChanged);
+    QSignalSpy dsr(&port, &SerialPortAbstract::dsrChanged);
+
+    port.startLinePolling(5);
+    // Both remembered states start high: the low DSR is reported, the high
+    // CTS is not (checked in the same poll, before DSR).
+    QTRY_COMPARE_WITH_TIMEOUT(dsr.count(), 1, 10000);
+    QCOMPARE(dsr.at(0).at(0).toBool(), false);
+    QCOMPARE(cts.count(), 0);
+
+    QVERIFY(pty.setInputs(ModemLines::Dsr));
+    QTRY_COMPARE_WITH_TIMEOUT(cts.count(), 1, 10000);
+    QCOMPARE(cts.at(0).at(0).toBool(), false);
+    QTRY_COMPARE_WITH_TIMEOUT(dsr.count(), 2, 10000);
+    QCOMPARE(dsr.at(1).at(0).toBool(), true);
+
+    port.stopLinePolling();
+    QVERIFY(pty.setInputs(0));
+    QTest::qWait(50);
+    QCOMPARE(dsr.count(), 2);
+}
+
+QTEST_GUILESS_MAIN(tst_QtSerialPortControl)
+#include "tst_qtserialportcontrol.moc"
