@@ -1,0 +1,264 @@
+#include "command/qrvcommand.h"
+
+#include <array>
+
+namespace {
+
+// Encoding and decoding of one parameter code of the command table. encode()
+// gives the variant that goes into a message; decode() converts a received
+// element to the parameter type with Qt's conversions, so that a peer that
+// stores another numeric type is still understood.
+struct CodecU
+{
+    static QVariant encode(uint v) { return QVariant(v); }
+    static uint decode(const QVariant &v) { return uint(v.toInt()); }
+};
+struct CodecUU
+{
+    static QVariant encode(uint v) { return QVariant(v); }
+    static uint decode(const QVariant &v) { return v.toUInt(); }
+};
+struct CodecI
+{
+    static QVariant encode(int v) { return QVariant(v); }
+    static int decode(const QVariant &v) { return v.toInt(); }
+};
+struct CodecB
+{
+    static QVariant encode(bool v) { return QVariant(v); }
+    static bool decode(const QVariant &v) { return v.toBool(); }
+};
+struct CodecBI
+{
+    static QVariant encode(bool v) { return QVariant(v); }
+    static bool decode(const QVariant &v) { return v.toInt() != 0; }
+};
+struct CodecBU
+{
+    static QVariant encode(bool v) { return QVariant(uint(v ? 1 : 0)); }
+    static bool decode(const QVariant &v) { return v.toBool(); }
+};
+struct CodecD
+{
+    static QVariant encode(double v) { return QVariant(v); }
+    static double decode(const QVariant &v) { return v.toDouble(); }
+};
+struct CodecULL
+{
+    static QVariant encode(qulonglong v) { return QVariant(v); }
+    static qulonglong decode(const QVariant &v) { return v.toULongLong(); }
+};
+struct CodecL
+{
+    static QVariant encode(long v) { return QVariant(qulonglong(v)); }
+    static long decode(const QVariant &v) { return long(v.toLongLong()); }
+};
+struct CodecK
+{
+    static QVariant encode(CwKeyControlAbstract *p)
+    {
+        return QVariant(qulonglong(reinterpret_cast<quintptr>(p)));
+    }
+    static CwKeyControlAbstract *decode(const QVariant &v)
+    {
+        return reinterpret_cast<CwKeyControlAbstract *>(quintptr(v.toLongLong()));
+    }
+};
+struct CodecIL
+{
+    static QVariant encode(const QList<int> &values)
+    {
+        QVariantList inner;
+        inner.reserve(values.size());
+        for (int v : values)
+            inner.append(QVariant(v));
+        return QVariant(inner);
+    }
+    static QList<int> decode(const QVariant &v)
+    {
+        const QVariantList inner = v.toList();
+        QList<int> values;
+        values.reserve(inner.size());
+        for (const QVariant &e : inner)
+            values.append(e.toInt());
+        return values;
+    }
+};
+struct CodecPL
+{
+    static QVariant encode(const QList<void *> &list)
+    {
+        QVariantList inner;
+        inner.reserve(list.size());
+        for (void *p : list)
+            inner.append(QVariant(qulonglong(reinterpret_cast<quintptr>(p))));
+        return QVariant(inner);
+    }
+    static QList<void *> decode(const QVariant &v)
+    {
+        const QVariantList inner = v.toList();
+        QList<void *> list;
+        list.reserve(inner.size());
+        for (const QVariant &e : inner)
+            list.append(reinterpret_cast<void *>(quintptr(e.toLongLong())));
+        return list;
+    }
+};
+
+// Element `pos` of a message, or an invalid variant past its end: a short
+// message decodes to zeros, false and empty lists, never to stray memory.
+const QVariant &element(const QVariantList &message, int pos)
+{
+    static const QVariant missing;
+    return pos < message.size() ? message.at(pos) : missing;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+// Encoders
+
+// clang-format off
+#define QRV_ENCODE(code, name, pos) Codec##code::encode(name)
+#define QRV_DEFINE_C_ENCODER(id, slot, signal, n, args) \
+    void qrvCommand::slot(QRV_MAP(QRV_PARAM_DECL, n, args)) \
+    { \
+        send({QVariant(int(id)) QRV_CALL(QRV_COMMA_IF_##n, ()) QRV_MAP(QRV_ENCODE, n, args)}); \
+    }
+#define QRV_DEFINE_E_ENCODER(id, slot, n, args) QRV_DEFINE_C_ENCODER(id, slot, -, n, args)
+#define QRV_DEFINE_F_ENCODER(id, slot, signal, value) \
+    void qrvCommand::slot() { send({QVariant(int(id)), QVariant(value)}); }
+#define QRV_COMMA_IF_0()
+#define QRV_COMMA_IF_1() ,
+#define QRV_COMMA_IF_2() ,
+#define QRV_COMMA_IF_3() ,
+#define QRV_COMMA_IF_4() ,
+
+QRV_COMMANDS(QRV_DEFINE_C_ENCODER, QRV_DEFINE_E_ENCODER, QRV_NOTHING, QRV_DEFINE_F_ENCODER)
+// clang-format on
+
+void qrvCommand::send(QVariantList &&message)
+{
+    emit sCommand(QVariant(message));
+}
+
+// ---------------------------------------------------------------------------
+// Dispatcher
+
+struct QrvDispatch
+{
+    using Decoder = void (*)(qrvCommand &, const QVariantList &);
+
+    // Which decoded signals an id emits: decodedSignals[first, first + count).
+    struct Route
+    {
+        short first = 0;
+        short count = 0;
+    };
+
+    // Called after the signal of `Id` has been emitted.
+    template<int Id>
+    static void after(qrvCommand &, const QVariantList &)
+    { }
+
+    static const Decoder decoders[qrv::signalCount];
+    static constexpr std::array<Route, qrv::commandCount> routes();
+};
+
+// A received CW-key announcement is passed on first and then remembered.
+template<>
+void QrvDispatch::after<184>(qrvCommand &codec, const QVariantList &message)
+{
+    CwKeyControlAbstract *p = CodecK::decode(element(message, 1));
+    if (p != codec.cwKeyObject)
+        codec.cwKeyObject = p;
+}
+
+// clang-format off
+#define QRV_DECODE(code, name, pos) Codec##code::decode(element(m, pos))
+#define QRV_DEFINE_C_DECODER(id, slot, signal, n, args) \
+    [](qrvCommand &c, [[maybe_unused]] const QVariantList &m) { \
+        emit c.signal(QRV_MAP(QRV_DECODE, n, args)); \
+        QrvDispatch::after<id>(c, m); \
+    },
+#define QRV_DEFINE_S_DECODER(id, signal, n, args) QRV_DEFINE_C_DECODER(id, -, signal, n, args)
+#define QRV_DEFINE_F_DECODER(id, slot, signal, value) \
+    [](qrvCommand &c, const QVariantList &) { emit c.signal(); },
+
+const QrvDispatch::Decoder QrvDispatch::decoders[qrv::signalCount] = {
+    QRV_COMMANDS(QRV_DEFINE_C_DECODER, QRV_NOTHING, QRV_DEFINE_S_DECODER, QRV_DEFINE_F_DECODER)
+};
+// clang-format on
+
+constexpr std::array<QrvDispatch::Route, qrv::commandCount> QrvDispatch::routes()
+{
+    std::array<Route, qrv::commandCount> table {};
+    for (int i = 0; i < qrv::signalCount; ++i) {
+        Route &r = table[std::size_t(qrv::decodedSignals[i].id)];
+        if (r.count == 0)
+            r.first = short(i);
+        ++r.count;
+    }
+    return table;
+}
+
+namespace {
+
+constexpr auto routeTable = QrvDispatch::routes();
+
+// The table must give every id its signals as one contiguous run of rows,
+// leave id 53 without any, and hold 193 signals and 193 encoders.
+constexpr bool routesAreContiguous()
+{
+    for (int i = 0; i < qrv::signalCount; ++i) {
+        const int id = qrv::decodedSignals[i].id;
+        if (id < 0 || id >= qrv::commandCount)
+            return false;
+        const auto &r = routeTable[std::size_t(id)];
+        if (i < r.first || i >= r.first + r.count)
+            return false;
+    }
+    for (int id = 0; id < qrv::commandCount; ++id) {
+        if ((routeTable[std::size_t(id)].count == 0) != (id == 53))
+            return false;
+    }
+    return true;
+}
+static_assert(routesAreContiguous(), "every id but 53 needs one contiguous run of signal rows");
+static_assert(qrv::signalCount == 193 && qrv::encoderCount == 193, "193 signals and 193 encoders");
+
+} // namespace
+
+void qrvCommand::setCommand(QVariant cmd)
+{
+    if (cmd.userType() != QMetaType::QVariantList)
+        return;
+    // `cmd` is our own copy, so the list stays valid even if a receiver
+    // changes the caller's variant.
+    const auto &message = *static_cast<const QVariantList *>(cmd.constData());
+    if (message.isEmpty())
+        return;
+    const int id = message.at(0).toInt();
+    if (uint(id) >= uint(qrv::commandCount))
+        return;
+
+    const QrvDispatch::Route &route = routeTable[std::size_t(id)];
+    for (int i = route.first; i < route.first + route.count; ++i) {
+        const qrv::Guard guard = qrv::decodedSignals[i].guard;
+        if (guard != qrv::Guard::Always
+            && element(message, 1).toBool() != (guard == qrv::Guard::IfTrue))
+            continue;
+        QrvDispatch::decoders[i](*this, message);
+    }
+}
+
+// ---------------------------------------------------------------------------
+
+qrvCommand::qrvCommand(QObject *parent)
+    : QObject(parent)
+    , reservedBytes(std::make_unique<quint8[]>(10))
+    , reservedWords(std::make_unique<quint32[]>(10))
+    , reservedLongs(std::make_unique<quint64[]>(10))
+{ }
+
+qrvCommand::~qrvCommand() = default;
