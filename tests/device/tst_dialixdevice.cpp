@@ -6,6 +6,8 @@
 #include <QScopeGuard>
 #include <QtTest>
 
+#include <mutex>
+
 namespace vp = VirtualPanel;
 
 namespace {
@@ -201,9 +203,9 @@ void TestDialixDevice::queuedReportsGoOutBeforeTheNextRead()
     // Note how many reads had happened when each report reached the panel.
     // Declared before the device, so they outlive its reader thread.
     QList<int> readsAtWrite;
-    QMutex mutex;
+    std::mutex mutex; // a lock that ThreadSanitizer can see
     const auto recorded = [&] {
-        QMutexLocker lock(&mutex);
+        std::lock_guard<std::mutex> lock(mutex);
         return readsAtWrite;
     };
 
@@ -212,7 +214,7 @@ void TestDialixDevice::queuedReportsGoOutBeforeTheNextRead()
     QVERIFY(openFirst(device));
     const int listener = vp::addWriteListener([&](int, const QByteArray &) {
         const int reads = vp::readCalls(panel);
-        QMutexLocker lock(&mutex);
+        std::lock_guard<std::mutex> lock(mutex);
         readsAtWrite.append(reads);
     });
     const auto removeListener = qScopeGuard([listener] { vp::removeWriteListener(listener); });

@@ -107,6 +107,11 @@ qint32 Dialix::closeDevice()
 
     running.exchange(false);
     wait();
+    // Pairs with the lock that ends run(): everything the reader did is ordered
+    // before what follows here, also for tools that cannot see into wait().
+    {
+        std::lock_guard<std::mutex> lock(queueMutex);
+    }
     hid_close(handle);
     handle = nullptr;
     return Closed;
@@ -186,4 +191,5 @@ void Dialix::run()
             waitForWrites(started + std::chrono::milliseconds(ReadTimeoutMs));
         }
     }
+    std::lock_guard<std::mutex> lock(queueMutex); // see closeDevice()
 }
