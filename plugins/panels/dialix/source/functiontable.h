@@ -21,7 +21,9 @@
 //
 // All labels are Latin-1 (ASCII in fact) and are translated in the context
 // "DialixOptions": the raw text is the translation source, the *Text() functions
-// below return the translated QString.
+// below return the translated QString. After adding or changing a label, run the
+// dialix_lupdate target and translate the new entries in translations/*.ts (a test
+// fails while a German entry is missing).
 //
 // Using the tables, e.g. in a QObject that wants one slot per function:
 //
