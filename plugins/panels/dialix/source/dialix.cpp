@@ -105,7 +105,9 @@ qint32 Dialix::closeDevice()
     timer.start(CloseWaitMs);
     loop.exec();
 
-    running.exchange(false);
+    // An event handled in the loop above may have closed the panel already.
+    if (!running.exchange(false))
+        return Closed;
     wait();
     // Pairs with the lock that ends run(): everything the reader did is ordered
     // before what follows here, also for tools that cannot see into wait().
