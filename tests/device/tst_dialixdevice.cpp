@@ -37,7 +37,6 @@ private slots:
     void ledsOnlyWhileOpen();
     void queuedReportsGoOutBeforeTheNextRead();
     void closeTurnsTheLedsOffInOrder();
-    void closeFromItsOwnEventLoop();
     void readErrorsAreIgnoredWithoutSpinning();
     void failedWriteIsDropped();
     void unpluggedPanelStillCloses();
@@ -265,22 +264,6 @@ void TestDialixDevice::closeTurnsTheLedsOffInOrder()
     QCOMPARE(device.closeDevice(), Dialix::NotOpen);
     QTest::qWait(20);
     QCOMPARE(vp::writeCount(panel), 0);
-}
-
-void TestDialixDevice::closeFromItsOwnEventLoop()
-{
-    // close() serves events while the LED reports go out; a handler that closes
-    // the same panel from there must leave one clean close behind.
-    vp::plug("A");
-    Dialix device;
-    QVERIFY(openFirst(device));
-    qint32 nested = -1;
-    QTimer::singleShot(0, &device, [&] { nested = device.closeDevice(); });
-    QCOMPARE(device.closeDevice(), Dialix::Closed);
-    QCOMPARE(nested, Dialix::Closed);
-    QVERIFY(!device.isOpen());
-    QVERIFY(device.isFinished());
-    QCOMPARE(vp::openHandles(), 0);
 }
 
 void TestDialixDevice::readErrorsAreIgnoredWithoutSpinning()

@@ -19,11 +19,9 @@ private slots:
     void cleanup() { QCOMPARE(vp::openHandles(), 0); }
 
     void enumeratesInPlugOrder();
-    void opensBySerialAndPath();
     void readsLikeHidraw();
     void readWaitsAndWakes();
     void unplugFailsOpenHandles();
-    void operatorActionsReportChangesOnly();
 };
 
 void TestVirtualPanel::enumeratesInPlugOrder()
@@ -56,31 +54,6 @@ void TestVirtualPanel::enumeratesInPlugOrder()
     hid_free_enumeration(list);
     QCOMPARE(all, 3);
     QCOMPARE(vp::enumerations(), 2);
-}
-
-void TestVirtualPanel::opensBySerialAndPath()
-{
-    const int a = vp::plug("A");
-    const int b = vp::plug("B");
-    QVERIFY(!hid_open(vp::DialixVendorId, vp::DialixProductId, L"C"));
-    QVERIFY(QString::fromWCharArray(hid_error(nullptr)) != "Success");
-
-    hid_device *first = hid_open(vp::DialixVendorId, vp::DialixProductId, nullptr);
-    hid_device *byPath = hid_open_path(vp::path(b).constData());
-    QVERIFY(first && byPath);
-    QCOMPARE(vp::openHandles(a), 1);
-    QCOMPARE(vp::openHandles(b), 1);
-    wchar_t text[4];
-    QCOMPARE(hid_get_serial_number_string(byPath, text, 4), 0);
-    QCOMPARE(QString::fromWCharArray(text), QStringLiteral("B"));
-    QCOMPARE(hid_get_product_string(first, text, 4), 0); // cut to fit
-    QCOMPARE(QString::fromWCharArray(text), QStringLiteral("Dia"));
-    hid_close(first);
-    hid_close(byPath);
-
-    vp::setOpenFails(a, true);
-    QVERIFY(!hid_open(vp::DialixVendorId, vp::DialixProductId, L"A"));
-    QVERIFY(QString::fromWCharArray(hid_error(nullptr)).contains("Permission denied"));
 }
 
 void TestVirtualPanel::readsLikeHidraw()
@@ -149,20 +122,6 @@ void TestVirtualPanel::unplugFailsOpenHandles()
     QVERIFY(vp::panels().isEmpty());
     QCOMPARE(vp::openHandles(), 1);
     hid_close(dev);
-}
-
-void TestVirtualPanel::operatorActionsReportChangesOnly()
-{
-    const int panel = vp::plug("A");
-    vp::pressKey(panel, 14);
-    vp::pressKey(panel, 14);
-    vp::pressKey(panel, 15); // not a key
-    vp::pushDial(panel, 0, true);
-    vp::setDot(panel, true);
-    vp::turnDial(panel, 3, 200);
-    vp::setSwitches(panel, 0xFFFFFFFF);
-    QCOMPARE(vp::switches(panel), 0xFFFFFFu);
-    QCOMPARE(vp::pendingReports(panel), 6);
 }
 
 QTEST_GUILESS_MAIN(TestVirtualPanel)
