@@ -1,0 +1,91 @@
+#include "keys/senderkeytosystemlinux.h"
+
+#include <QDebug>
+#include <QFile>
+
+#include <libevdev/libevdev-uinput.h>
+#include <libevdev/libevdev.h>
+#include <linux/input.h>
+
+#include <errno.h>
+#include <fcntl.h>
+#include <string.h>
+#include <unistd.h>
+
+// The table's Linux values are the kernel's input key codes.
+#define DIALIX_CHECK_LINUX_KEY(qt, winName, winKey, linName, linKey)                               \
+    static_assert(linName == linKey, #linName);
+DIALIX_SYSTEM_KEYS(DIALIX_CHECK_LINUX_KEY)
+#undef DIALIX_CHECK_LINUX_KEY
+
+SenderKeyToSystemLinux::SenderKeyToSystemLinux(const QString &uinputPath, QObject *parent)
+    : SenderKeyToSystemPlatform(parent)
+    , m_uinputPath(uinputPath)
+{ }
+
+SenderKeyToSystemLinux::~SenderKeyToSystemLinux()
+{
+    if (m_keyboard)
+        libevdev_uinput_destroy(m_keyboard);
+    if (m_fd >= 0)
+        ::close(m_fd);
+}
+
+void SenderKeyToSystemLinux::sendKeyUp(const SystemKey &key)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (!createKeyboard())
+        return;
+    libevdev_uinput_write_event(m_keyboard, EV_KEY, key.linuxKey, 0);
+    libevdev_uinput_write_event(m_keyboard, EV_SYN, SYN_REPORT, 0);
+}
+
+QString SenderKeyToSystemLinux::deviceNode() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const char *node = m_keyboard ? libevdev_uinput_get_devnode(m_keyboard) : nullptr;
+    return node ? QFile::decodeName(node) : QString();
+}
+
+int SenderKeyToSystemLinux::uinputDescriptor() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_keyboard ? m_fd : -1;
+}
+
+bool SenderKeyToSystemLinux::createKeyboard()
+{
+    if (m_tried)
+        return m_keyboard != nullptr;
+    m_tried = true;
+
+    const QByteArray path = QFile::encodeName(m_uinputPath);
+    const int fd = ::open(path.constData(), O_RDWR | O_CLOEXEC);
+    if (fd < 0) {
+        qDebug("%s cannot open %s: %s", Q_FUNC_INFO, path.constData(), strerror(errno));
+        return false;
+    }
+
+    libevdev *device = libevdev_new();
+    libevdev_set_name(device, "Dialix virtual keyboard");
+    libevdev_set_id_bustype(device, BUS_VIRTUAL);
+    libevdev_enable_event_type(device, EV_KEY);
+    for (unsigned int code = KEY_ESC; code < BTN_MISC; ++code)
+        libevdev_enable_event_code(device, EV_KEY, code, nullptr);
+    const int rc = libevdev_uinput_create_from_device(device, fd, &m_keyboard);
+    libevdev_free(device);
+    if (rc < 0) {
+        qDebug("%s cannot create a virtual keyboard on %s: %s", Q_FUNC_INFO, path.constData(),
+               strerror(-rc));
+        m_keyboard = nullptr;
+        ::close(fd);
+        return false;
+    }
+    m_fd = fd;
+    return true;
+}
+
+std::unique_ptr<SenderKeyToSystemPlatform> createSenderKeyToSystemPlatform()
+{
+    return std::make_unique<SenderKeyToSystemLinux>();
+}
