@@ -226,6 +226,7 @@ void DialixControl::readExtraSettings(QSettings *settings)
 void DialixControl::open(bool state)
 {
     if (!state) {
+        retryTimer.stop();
         device.closeDevice();
         return;
     }
