@@ -1,0 +1,8 @@
+#include "tools/probe/backend.h"
+
+bool prepareBackend(QTextStream &)
+{
+    return true;
+}
+
+void finishBackend(QTextStream &) { }

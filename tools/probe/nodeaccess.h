@@ -1,0 +1,7 @@
+#pragma once
+
+// Tries to open a HID device node for reading and writing, the way hidapi does,
+// closes it again at once, and returns the errno of the failure, or 0 when the
+// node could be opened or the platform has no such check (Windows, where
+// hidapi's error text is all there is).
+int nodeOpenError(const char *path);
