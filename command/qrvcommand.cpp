@@ -8,10 +8,26 @@ namespace {
 // gives the variant that goes into a message; decode() converts a received
 // element to the parameter type with Qt's conversions, so that a peer that
 // stores another numeric type is still understood.
+// The fast paths below give the same bits as the general conversion (an int
+// conversion of a uint, a signed conversion of a qulonglong) without going
+// through Qt's conversion handler for the type that encoders send.
+template<class T>
+const T &raw(const QVariant &v)
+{
+    return *static_cast<const T *>(v.constData());
+}
+inline qlonglong toSigned64(const QVariant &v)
+{
+    return v.userType() == QMetaType::ULongLong ? qlonglong(raw<qulonglong>(v)) : v.toLongLong();
+}
+
 struct CodecU
 {
     static QVariant encode(uint v) { return QVariant(v); }
-    static uint decode(const QVariant &v) { return uint(v.toInt()); }
+    static uint decode(const QVariant &v)
+    {
+        return v.userType() == QMetaType::UInt ? raw<uint>(v) : uint(v.toInt());
+    }
 };
 struct CodecUU
 {
@@ -51,7 +67,7 @@ struct CodecULL
 struct CodecL
 {
     static QVariant encode(long v) { return QVariant(qulonglong(v)); }
-    static long decode(const QVariant &v) { return long(v.toLongLong()); }
+    static long decode(const QVariant &v) { return long(toSigned64(v)); }
 };
 struct CodecK
 {
@@ -61,7 +77,7 @@ struct CodecK
     }
     static CwKeyControlAbstract *decode(const QVariant &v)
     {
-        return reinterpret_cast<CwKeyControlAbstract *>(quintptr(v.toLongLong()));
+        return reinterpret_cast<CwKeyControlAbstract *>(quintptr(toSigned64(v)));
     }
 };
 struct CodecIL
@@ -100,7 +116,7 @@ struct CodecPL
         QList<void *> list;
         list.reserve(inner.size());
         for (const QVariant &e : inner)
-            list.append(reinterpret_cast<void *>(quintptr(e.toLongLong())));
+            list.append(reinterpret_cast<void *>(quintptr(toSigned64(e))));
         return list;
     }
 };

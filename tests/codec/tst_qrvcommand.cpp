@@ -470,6 +470,14 @@ void tst_QrvCommand::decode_data()
         << message({106, 1u}) << QStringList {"sSensorFan(bool): true"};
     QTest::newRow("unsigned conversion row")
         << message({6, -1, 2, 1}) << QStringList {"sTrxMode(uint,uint,bool): 4294967295, 2, true"};
+    // A negative numeric string tells the two uint conversions apart: through
+    // int it wraps, through unsigned it does not convert at all.
+    QTest::newRow("unsigned conversion row, '-1'")
+        << message({8, QStringLiteral("-1"), true})
+        << QStringList {"sMoxChacked(uint,bool): 0, true"};
+    QTest::newRow("int conversion row, '-1'")
+        << message({12, QStringLiteral("-1"), true})
+        << QStringList {"sReceiverEnable(uint,bool): 4294967295, true"};
     QTest::newRow("int where uint is listed")
         << message({110, -2}) << QStringList {"sPanelBandUp(uint): 4294967294"};
     QTest::newRow("numeric string") << message({QStringLiteral("110"), QStringLiteral("7")})
