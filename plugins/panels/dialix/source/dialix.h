@@ -100,8 +100,7 @@ public:
 
     // Opens the first panel of the last enumeration (by its serial number) and
     // starts the reader thread. Does nothing when the list is empty or the
-    // panel is already open. Returns whether the panel is open afterwards
-    // because of this call.
+    // panel is already open. Returns true when this call opened the panel.
     bool openDevice();
 
     // Sets or clears LED bit `bit` (0..7) and queues the whole mask. Ignored
@@ -118,8 +117,9 @@ public:
 
     // Turns the LEDs off (five reports), lets the reader write them for 10 ms,
     // stops the reader thread and closes the handle. Returns Closed (0), or
-    // NotOpen (2) without doing anything when the panel was not open. Never call
-    // it from the reader thread.
+    // NotOpen (2) without doing anything when the panel was not open. Reports
+    // that the reader has not written within the 10 ms stay queued and go out
+    // first at the next open. Never call it from the reader thread.
     qint32 closeDevice();
 
     // Decodes one read of `length` bytes and emits the signals of the changes
