@@ -1,0 +1,62 @@
+#include "commandtext.h"
+
+#include "command/commandtable.h"
+
+#include <QStringList>
+
+namespace {
+
+// "panelNb1Change" -> "Nb1 Change", "panelVFO" -> "VFO", "rxAgcGain" -> "rx Agc Gain".
+QString words(QString name)
+{
+    if (name.startsWith(QLatin1String("panel")) && name.size() > 5)
+        name.remove(0, 5);
+    QString out;
+    for (int i = 0; i < name.size(); ++i) {
+        const QChar c = name.at(i);
+        const bool boundary = i > 0 && c.isUpper()
+            && (name.at(i - 1).isLower() || name.at(i - 1).isDigit()
+                || (i + 1 < name.size() && name.at(i + 1).isLower() && name.at(i - 1).isUpper()));
+        if (boundary)
+            out += QLatin1Char(' ');
+        out += c;
+    }
+    return out;
+}
+
+QString label(const char *param)
+{
+    const QLatin1String name(param);
+    if (name == QLatin1String("receiver"))
+        return QStringLiteral("rx");
+    if (name == QLatin1String("channel"))
+        return QStringLiteral("ch");
+    if (name == QLatin1String("tranceiver") || name == QLatin1String("transmitter"))
+        return QStringLiteral("trx");
+    return name;
+}
+
+QString value(const QVariant &v)
+{
+    if (v.userType() == QMetaType::Bool)
+        return v.toBool() ? QStringLiteral("on") : QStringLiteral("off");
+    if (v.userType() == QMetaType::QVariantList)
+        return QStringLiteral("[%1 values]").arg(v.toList().size());
+    return v.toString();
+}
+
+} // namespace
+
+QString commandText(const QVariant &message)
+{
+    const QVariantList list = message.toList();
+    if (message.userType() != QMetaType::QVariantList || list.isEmpty())
+        return qrv::describe(message);
+    const qrv::Method *m = qrv::encoderFor(list.first().toInt(), list.size() - 1);
+    if (!m)
+        return qrv::describe(message);
+    QStringList parts {words(QLatin1String(m->name))};
+    for (int i = 0; i < m->argc && i + 1 < list.size(); ++i)
+        parts << label(m->params[i].name) << value(list.at(i + 1));
+    return parts.join(QLatin1Char(' '));
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+// One command message as an operator reads it: "Band Up rx 0",
+// "VFO rx 0 ch 1 step -3". The name and the parameter names come from the
+// command table; messages the table does not know are shown as the codec's
+// own description.
+QString commandText(const QVariant &message);

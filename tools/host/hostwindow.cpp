@@ -1,0 +1,79 @@
+#include "hostwindow.h"
+
+#include "pluginhost.h"
+#include "ui_hostwindow.h"
+
+#include "interfaces/dialixabstract.h"
+
+#include <QTime>
+
+HostWindow::HostWindow(PluginHost *host, bool virtualPanels, QWidget *parent)
+    : QMainWindow(parent)
+    , ui(std::make_unique<Ui::HostWindow>())
+    , host(host)
+{
+    ui->setupUi(this);
+    ui->pbPlug->setVisible(virtualPanels);
+    ui->pbUnplug->setVisible(virtualPanels);
+
+    RadioModel *radio = host->radio();
+    connect(radio, &RadioModel::changed, this, [this](const QString &line) {
+        log(tr("radio: %1").arg(line));
+        refreshRadio();
+    });
+    connect(radio, &RadioModel::moxChanged, this, [this](quint32 trx, bool state) {
+        if (trx == 0) {
+            const QSignalBlocker block(ui->chbMox);
+            ui->chbMox->setChecked(state);
+        }
+    });
+    connect(host, &PluginHost::commandReceived, this,
+            [this](const QVariant &, const QString &text) { log(tr("command: %1").arg(text)); });
+    connect(ui->chbMox, &QCheckBox::toggled, this, [radio](bool on) { radio->setMox(0, on); });
+    connect(ui->chb4k, &QCheckBox::toggled, this, [radio](bool on) { radio->setDisplay4k(on); });
+    connect(ui->sbChannels, QOverload<int>::of(&QSpinBox::valueChanged), this, [host](int n) {
+        if (host->plugin())
+            host->plugin()->setChannels(uint(n));
+    });
+    connect(ui->pbPlug, &QPushButton::clicked, this, &HostWindow::plugRequested);
+    connect(ui->pbUnplug, &QPushButton::clicked, this, &HostWindow::unplugRequested);
+    connect(ui->pbDeviceChanged, &QPushButton::clicked, this, [host] { host->send({109}); });
+    refreshRadio();
+}
+
+HostWindow::~HostWindow() = default;
+
+QLayout *HostWindow::pluginLayout() const
+{
+    return ui->layoutPlugin;
+}
+
+void HostWindow::log(const QString &line)
+{
+    ui->teLog->appendPlainText(QTime::currentTime().toString(QStringLiteral("HH:mm:ss.zzz  "))
+                               + line);
+}
+
+void HostWindow::refreshRadio()
+{
+    const RadioModel *radio = host->radio();
+    QStringList lines;
+    for (quint32 rx = 0; rx < radio->receivers(); ++rx) {
+        lines << tr("RX%1  %2  %3  %4   A %5 MHz  B %6 MHz")
+                     .arg(rx + 1)
+                     .arg(radio->band(rx), -4)
+                     .arg(radio->mode(rx), -4)
+                     .arg(radio->muted(rx) ? tr("muted")
+                                           : tr("%1 dB").arg(radio->volume(rx), 0, 'f', 1))
+                     .arg(radio->frequency(rx, 0) / 1e6, 0, 'f', 6)
+                     .arg(radio->frequency(rx, 1) / 1e6, 0, 'f', 6);
+        lines << tr("      MOX %1  RIT %2  XIT %3  lock %4  VOX %5")
+                     .arg(radio->mox(rx) ? tr("on") : tr("off"),
+                          radio->rit(rx) ? tr("on") : tr("off"),
+                          radio->xit(rx) ? tr("on") : tr("off"),
+                          radio->lock(rx) ? tr("on") : tr("off"),
+                          radio->vox(rx) ? tr("on") : tr("off"));
+    }
+    lines << tr("Mixer mode %1").arg(radio->mixerMode());
+    ui->lbRadio->setText(lines.join(QLatin1Char('\n')));
+}

@@ -1,0 +1,205 @@
+// The reference host: a small radio application that loads a panel plug-in the
+// way the real host does, and shows the virtual panels when the plug-in runs
+// over them.
+//
+//   dialix-host [--plugin PATH] [--script] [--screenshots DIR] [--settings FILE]
+//
+// --script plays a scripted operator session, prints every command the
+// plug-in sends and every LED change, saves screenshots and exits (0 when all
+// went through).
+
+#include "hostwindow.h"
+#include "pluginhost.h"
+#include "session.h"
+#include "tools/virtualpanel/virtualpanel.h"
+#include "virtualpanelwindow.h"
+
+#include "interfaces/dialixabstract.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QHash>
+#include <QPointer>
+#include <QSettings>
+#include <QTextStream>
+
+#include <cstdio>
+
+namespace {
+
+QTextStream &out()
+{
+    static QTextStream stream(stdout);
+    return stream;
+}
+
+// Qt's offscreen platform says this for every window it shows; it means nothing here.
+QtMessageHandler defaultHandler = nullptr;
+void quietHandler(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    if (message.contains(QLatin1String("propagateSizeHints")))
+        return;
+    defaultHandler(type, context, message);
+}
+
+void print(const QString &kind, const QString &line)
+{
+    out() << kind.leftJustified(8) << line << Qt::endl;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    defaultHandler = qInstallMessageHandler(quietHandler);
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("dialix-host"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QApplication::translate("main", "Dialix reference host"));
+    parser.addHelpOption();
+    const QCommandLineOption pluginOption(
+        QStringLiteral("plugin"), QApplication::translate("main", "Plug-in file to load."),
+        QStringLiteral("path"), QStringLiteral(DIALIX_DEFAULT_PLUGIN));
+    const QCommandLineOption sessionOption(
+        QStringLiteral("script"),
+        QApplication::translate("main", "Play the scripted operator session and exit."));
+    const QCommandLineOption shotsOption(
+        QStringLiteral("screenshots"),
+        QApplication::translate("main", "Directory for the session's screenshots."),
+        QStringLiteral("dir"), QStringLiteral("docs/images"));
+    const QCommandLineOption settingsOption(
+        QStringLiteral("settings"), QApplication::translate("main", "The host's settings file."),
+        QStringLiteral("file"),
+        QDir(QApplication::applicationDirPath()).filePath(QStringLiteral("host.ini")));
+    parser.addOptions({pluginOption, sessionOption, shotsOption, settingsOption});
+    parser.process(app);
+    const bool scripted = parser.isSet(sessionOption);
+
+    // The relay listens for LED reports before any panel opens.
+    LedRelay relay;
+    // A panel on the virtual bus from the start, so the plug-in finds one.
+    const int firstPanel = VirtualPanel::plug(QStringLiteral("DLX0001"));
+
+    PluginHost host;
+    const QString path = parser.value(pluginOption);
+    if (!host.load(path)) {
+        print(QStringLiteral("error"), host.errorString());
+        return 1;
+    }
+    const QJsonObject data = host.metaData().value(QLatin1String("MetaData")).toObject();
+    print(QStringLiteral("plugin"),
+          QStringLiteral("%1 %2 (%3, class %4) from %5")
+              .arg(data.value(QLatin1String("name")).toString(),
+                   data.value(QLatin1String("version")).toString(), host.plugin()->name(),
+                   host.metaData().value(QLatin1String("className")).toString(), path));
+    // A plug-in over the virtual panel has enumerated the virtual bus while it
+    // was created; one over the real hidapi has not.
+    const bool virtualBus = VirtualPanel::enumerations() > 0;
+    if (!virtualBus)
+        VirtualPanel::unplug(firstPanel);
+
+    HostWindow window(&host, virtualBus);
+    QSettings settings(parser.value(settingsOption), QSettings::IniFormat);
+    host.bind(window.pluginLayout(), &settings, 2);
+
+    QObject::connect(
+        &host, &PluginHost::commandReceived, &app,
+        [](const QVariant &, const QString &text) { print(QStringLiteral("command"), text); });
+    QObject::connect(host.radio(), &RadioModel::changed, &app,
+                     [](const QString &line) { print(QStringLiteral("radio"), line); });
+    QObject::connect(host.cwKey(), &HostCwKey::key, &app,
+                     [](quint32 trx, quint32 src, bool dash, bool dot) {
+                         print(QStringLiteral("paddle"),
+                               QStringLiteral("trx %1 src %2 dash %3 dot %4")
+                                   .arg(trx)
+                                   .arg(src)
+                                   .arg(dash ? "closed" : "open", dot ? "closed" : "open"));
+                     });
+    QObject::connect(&relay, &LedRelay::ledChanged, &app, [&window](int panel, int, int mask) {
+        const QString line = QStringLiteral("panel %1: %2 (0x%3)")
+                                 .arg(panel)
+                                 .arg(LedRelay::describe(mask))
+                                 .arg(mask, 2, 16, QLatin1Char('0'));
+        print(QStringLiteral("led"), line);
+        window.log(QStringLiteral("led: ") + line);
+    });
+
+    // One window per virtual panel, following plugs and unplugs.
+    QHash<int, QPointer<VirtualPanelWindow>> panelWindows;
+    auto showPanels = [&] {
+        if (!virtualBus)
+            return;
+        const QList<int> plugged = VirtualPanel::panels();
+        for (auto it = panelWindows.begin(); it != panelWindows.end();) {
+            if (!plugged.contains(it.key())) {
+                delete it.value().data();
+                it = panelWindows.erase(it);
+            } else {
+                ++it;
+            }
+        }
+        int offset = 0;
+        for (int id : plugged) {
+            if (!panelWindows.contains(id)) {
+                auto *w = new VirtualPanelWindow(id, &relay);
+                w->setAttribute(Qt::WA_DeleteOnClose);
+                w->move(window.x() + window.width() + 10, window.y() + offset);
+                w->show();
+                panelWindows.insert(id, w);
+            }
+            offset += 360;
+        }
+    };
+    QObject::connect(&window, &HostWindow::plugRequested, &app, [&] {
+        VirtualPanel::plug(QStringLiteral("DLX%1").arg(VirtualPanel::panels().size() + 1, 4, 10,
+                                                       QLatin1Char('0')));
+        host.send({109});
+        showPanels();
+    });
+    QObject::connect(&window, &HostWindow::unplugRequested, &app, [&] {
+        const QList<int> plugged = VirtualPanel::panels();
+        if (plugged.isEmpty())
+            return;
+        VirtualPanel::unplug(plugged.last());
+        host.send({109});
+        showPanels();
+    });
+    QObject::connect(&host, &PluginHost::commandReceived, &app,
+                     [&](const QVariant &, const QString &) {
+                         // Panels plugged by the session show up here too.
+                         if (panelWindows.size() != VirtualPanel::panels().size())
+                             showPanels();
+                     });
+
+    window.show();
+    showPanels();
+
+    int result = 0;
+    Session *session = nullptr;
+    if (scripted) {
+        if (!virtualBus) {
+            print(QStringLiteral("error"),
+                  QStringLiteral("the session needs the virtual-panel plug-in"));
+            return 1;
+        }
+        session = new Session(&host, &window, firstPanel, parser.value(shotsOption), &app);
+        QObject::connect(session, &Session::say, &app, [&window](const QString &line) {
+            print(QStringLiteral("session"), line);
+            window.log(line);
+        });
+        QObject::connect(session, &Session::finished, &app, [&](bool ok) {
+            for (const QString &f : session->failures())
+                print(QStringLiteral("failed"), f);
+            showPanels();
+            result = ok ? 0 : 2;
+            app.quit();
+        });
+        session->start();
+    }
+    const int code = app.exec();
+    host.shutDown();
+    qDeleteAll(panelWindows);
+    return scripted ? result : code;
+}
