@@ -1,7 +1,11 @@
 #pragma once
 
+#include "command/qrvcommand.h"
 #include "interfaces/cwkeycontrolabstract.h"
 #include "interfaces/devicemanagerabstract.h"
+#include "plugins/panels/dialix/source/dialixcontrol.h"
+
+#include <QPushButton>
 
 #include <QMap>
 #include <QStringList>
@@ -135,3 +139,63 @@ inline QString describeMessage(const QVariantList &message)
         parts << v.toString() + QLatin1Char(' ') + QString::fromLatin1(v.typeName());
     return QLatin1Char('[') + parts.join(QStringLiteral(", ")) + QLatin1Char(']');
 }
+
+inline QStringList msg(const QVariantList &m)
+{
+    return {describeMessage(m)};
+}
+
+// A controller bound to a recording device manager, with three receivers and
+// receiver 1 selected unless told otherwise, and every command message the
+// codec sends.
+struct Rig
+{
+    explicit Rig(bool bind = true, uint receivers = 3, int rx = 1)
+    {
+        QObject::connect(ctrl.command(), &qrvCommand::sCommand, &ctrl,
+                         [this](const QVariant &m) { messages << m.toList(); });
+        manager.setCwKeyControl(&cwKey);
+        ctrl.setChannels(receivers);
+        ui()->cbReceiver->setCurrentIndex(rx);
+        if (bind)
+            ctrl.setDevManager(&manager);
+    }
+
+    Ui::DialixOptions *ui() { return ctrl.optionsWidget()->ui.get(); }
+    QPushButton *button(const QString &name)
+    {
+        return ctrl.optionsWidget()->findChild<QPushButton *>(name);
+    }
+
+    QStringList sent() const
+    {
+        QStringList out;
+        for (const QVariantList &m : messages)
+            out << describeMessage(m);
+        return out;
+    }
+
+    // The option-page state that functions may change.
+    QString state()
+    {
+        return QStringLiteral("useIf=%1 useIfRit=%2 vfoB=%3 rx=%4")
+            .arg(ui()->chbUseIf->isChecked())
+            .arg(ui()->chbUseIf_Rit->isChecked())
+            .arg(ui()->chbVfoB->isChecked())
+            .arg(ui()->cbReceiver->currentIndex());
+    }
+
+    // Presses and releases function key n (1 .. 17) through the device signals.
+    void press(int n, bool down)
+    {
+        if (n <= 14)
+            emit ctrl.panel().button(Dialix::Buttons(n), down);
+        else
+            emit ctrl.panel().dialButton(Dialix::DialButtons(Dialix::KeyEnc1 + n - 15), down);
+    }
+
+    RecordingCwKey cwKey;
+    RecordingManager manager;
+    DialixControl ctrl;
+    QList<QVariantList> messages;
+};
