@@ -4,13 +4,9 @@
 
 namespace {
 
-// Encoding and decoding of one parameter code of the command table. encode()
-// gives the variant that goes into a message; decode() converts a received
-// element to the parameter type with Qt's conversions, so that a peer that
-// stores another numeric type is still understood.
-// The fast paths below give the same bits as the general conversion (an int
-// conversion of a uint, a signed conversion of a qulonglong) without going
-// through Qt's conversion handler for the type that encoders send.
+// Element access without Qt's conversion handler, for the element types that
+// encoders send. The results are the same bits that the general conversion
+// gives (an int conversion of a uint, a signed conversion of a qulonglong).
 template<class T>
 const T &raw(const QVariant &v)
 {
@@ -21,6 +17,10 @@ inline qlonglong toSigned64(const QVariant &v)
     return v.userType() == QMetaType::ULongLong ? qlonglong(raw<qulonglong>(v)) : v.toLongLong();
 }
 
+// Encoding and decoding of one parameter code of the command table. encode()
+// gives the variant that goes into a message; decode() converts a received
+// element to the parameter type with Qt's conversions, so that a peer that
+// stores another numeric type is still understood.
 struct CodecU
 {
     static QVariant encode(uint v) { return QVariant(v); }
@@ -224,7 +224,7 @@ constexpr auto routeTable = QrvDispatch::routes();
 
 // The table must give every id its signals as one contiguous run of rows,
 // leave id 53 without any, and hold 193 signals and 193 encoders.
-constexpr bool routesAreContiguous()
+constexpr bool routesAreSound()
 {
     for (int i = 0; i < qrv::signalCount; ++i) {
         const int id = qrv::decodedSignals[i].id;
@@ -240,7 +240,7 @@ constexpr bool routesAreContiguous()
     }
     return true;
 }
-static_assert(routesAreContiguous(), "every id but 53 needs one contiguous run of signal rows");
+static_assert(routesAreSound(), "every id but 53 needs one contiguous run of signal rows");
 static_assert(qrv::signalCount == 193 && qrv::encoderCount == 193, "193 signals and 193 encoders");
 
 } // namespace
