@@ -250,6 +250,18 @@ private slots:
         QCOMPARE(VirtualPanel::enumerations(), stopped);
     }
 
+    // An opening by another way (the plug-in root's) ends a pending retry.
+    void successEndsPendingRetry()
+    {
+        Rig rig;
+        rig.ui()->chbEnable->setChecked(true);
+        QVERIFY(rig.ctrl.retryPending());
+        VirtualPanel::plug(QStringLiteral("A1"));
+        QVERIFY(QMetaObject::invokeMethod(&rig.ctrl, "open", Q_ARG(bool, true)));
+        QVERIFY(rig.ctrl.panel().isOpen());
+        QVERIFY(!rig.ctrl.retryPending());
+    }
+
     // ---- PTT and paddle ---------------------------------------------------
 
     void pttRoutes_data()

@@ -237,6 +237,7 @@ void DialixControl::open(bool state)
         retryTimer.start();
         return;
     }
+    retryTimer.stop();
     Ui::DialixOptions *ui = options->ui.get();
     onLedButtons(ui->chbKeyLed->isChecked());
     onLedEncoder(ui->chbEncoderLed->isChecked());
