@@ -120,6 +120,7 @@ bool runCommand(const QString &command, QTextStream &err)
 
 bool prepareBackend(QTextStream &err)
 {
+    plugged.clear();
     const QString scenario = qEnvironmentVariable("DIALIX_PROBE_SCENARIO");
     const QStringList commands =
         scenario.split(QRegularExpression(QStringLiteral("[;\\n]")), Qt::SkipEmptyParts);
