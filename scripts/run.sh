@@ -1,7 +1,28 @@
 #!/usr/bin/env bash
-# The README's main job: installs what is missing, builds everything and runs it.
+# The README's main job: installs what is missing, builds everything in Release
+# and runs the reference host with the plug-in over the virtual panel.
+#  - without a display: plays the scripted operator session offscreen, prints
+#    every command the plug-in sends to the host and every LED change, saves
+#    screenshots of the host window and the virtual panel, and exits;
+#  - with a display ($DISPLAY set): opens the host and the virtual panel window
+#    for you to use.
+# Extra arguments go to the host (e.g. --plugin PATH, --script).
+#   DIALIX_OUT   where the session's screenshots go (default: out/session)
 set -euo pipefail
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 "$ROOT/scripts/setup-deps.sh"
 BUILD_TYPE=Release "$ROOT/scripts/build.sh" "$ROOT/build-release"
-"$ROOT/scripts/bench.sh" "$ROOT/build-release"
+
+HOST="$ROOT/build-release/tools/host/dialix-host"
+OUT="${DIALIX_OUT:-$ROOT/out/session}"
+mkdir -p "$OUT"
+if [ -z "${XDG_RUNTIME_DIR:-}" ]; then
+    export XDG_RUNTIME_DIR="$OUT/runtime"
+    mkdir -p -m 0700 "$XDG_RUNTIME_DIR"
+fi
+
+if [ -n "${DISPLAY:-}" ]; then
+    exec "$HOST" --screenshots "$OUT" --settings "$OUT/host.ini" "$@"
+fi
+echo "== scripted session (offscreen); screenshots in $OUT"
+QT_QPA_PLATFORM=offscreen "$HOST" --script --screenshots "$OUT" --settings "$OUT/host.ini" "$@"

@@ -19,6 +19,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFile>
 #include <QHash>
 #include <QPointer>
 #include <QSettings>
@@ -76,6 +77,11 @@ int main(int argc, char *argv[])
     parser.addOptions({pluginOption, sessionOption, shotsOption, settingsOption});
     parser.process(app);
     const bool scripted = parser.isSet(sessionOption);
+
+    // The session starts from the plug-in's defaults: it forgets the panel
+    // assignments that earlier runs left beside the host.
+    if (scripted)
+        QFile::remove(QApplication::applicationDirPath() + QStringLiteral("/options.ini"));
 
     // The relay listens for LED reports before any panel opens.
     LedRelay relay;
@@ -166,12 +172,6 @@ int main(int argc, char *argv[])
         host.send({109});
         showPanels();
     });
-    QObject::connect(&host, &PluginHost::commandReceived, &app,
-                     [&](const QVariant &, const QString &) {
-                         // Panels plugged by the session show up here too.
-                         if (panelWindows.size() != VirtualPanel::panels().size())
-                             showPanels();
-                     });
 
     window.show();
     showPanels();
@@ -189,6 +189,7 @@ int main(int argc, char *argv[])
             print(QStringLiteral("session"), line);
             window.log(line);
         });
+        QObject::connect(session, &Session::panelsChanged, &app, showPanels);
         QObject::connect(session, &Session::finished, &app, [&](bool ok) {
             for (const QString &f : session->failures())
                 print(QStringLiteral("failed"), f);

@@ -88,12 +88,26 @@ Session::Session(PluginHost *pluginHost, QWidget *window, int firstPanel,
     add(300, tr("plug a second panel"), [this] {
         second = VirtualPanel::plug(QStringLiteral("DLX0002"));
         host->send({109});
+        emit panelsChanged();
     });
-    add(1200, tr("screenshot with two panels"),
-        [this] { screenshot(hostWindow, QStringLiteral("host-window-two-panels.png")); });
+    // Both controllers would open the first panel listed (the plug-in opens the
+    // first enumerated serial number), so the second page is only shown.
+    add(600, tr("show the page of panel 2"), [this] {
+        if (auto *tabs = hostWindow->findChild<QTabWidget *>(QStringLiteral("DialixmainTab")))
+            tabs->setCurrentIndex(tabs->count() - 1);
+    });
+    add(600, tr("screenshots with two panels"), [this] {
+        screenshot(hostWindow, QStringLiteral("host-window-two-panels.png"));
+        for (QWidget *w : QApplication::topLevelWidgets()) {
+            auto *panelWindow = qobject_cast<VirtualPanelWindow *>(w);
+            if (panelWindow && panelWindow->panel() == second)
+                screenshot(panelWindow, QStringLiteral("virtual-panel-2.png"));
+        }
+    });
     add(100, tr("unplug the second panel"), [this] {
         VirtualPanel::unplug(second);
         host->send({109});
+        emit panelsChanged();
     });
     add(500, tr("done"), [] {});
 }

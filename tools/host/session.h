@@ -29,6 +29,8 @@ public:
 
 signals:
     void say(const QString &line);
+    // The session plugged or unplugged a virtual panel.
+    void panelsChanged();
     void finished(bool ok);
 
 private:
