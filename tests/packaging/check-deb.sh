@@ -1,0 +1,96 @@
+#!/usr/bin/env bash
+# Checks the Debian package: its control fields and dependencies, its maintainer
+# scripts, its contents (unpacked with dpkg-deb -x, then check-tree.sh), a run of
+# the installed reference host over the installed virtual-panel plug-in, and
+# lintian. Exits 1 on the first group of problems.
+#   tests/packaging/check-deb.sh dialix_<version>_<arch>.deb
+set -euo pipefail
+HERE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+SRC="$(cd "$HERE/../.." && pwd)"
+DEB="$(realpath "$1")"
+SCRATCH="$(mktemp -d)"
+trap 'rm -rf "$SCRATCH"' EXIT
+failures=0
+fail() {
+    echo "check-deb: $*" >&2
+    failures=$((failures + 1))
+}
+field() { dpkg-deb -f "$DEB" "$1"; }
+
+# Control fields.
+version=$(sed -n 's/^project(dialix VERSION \([0-9.]*\).*/\1/p' "$SRC/CMakeLists.txt")
+[ "$(field Package)" = dialix ] || fail "Package is '$(field Package)'"
+[ "$(field Version)" = "$version-1" ] || fail "Version is '$(field Version)', not $version-1"
+[ "$(field Architecture)" = "$(dpkg --print-architecture)" ] || fail "Architecture is '$(field Architecture)'"
+[ "$(field Section)" = hamradio ] || fail "Section is '$(field Section)'"
+[ -n "$(field Maintainer)" ] || fail "no Maintainer"
+
+# Dependencies: the runtime packages of Qt, hidapi and udev by name...
+depends=$(field Depends)
+for pkg in libqt5core5a libqt5gui5 libqt5widgets5 libqt5serialport5 libhidapi-hidraw0 libudev1 libc6 libstdc++6; do
+    grep -Eq "(^|, |\| )$pkg( |,|$)" <<<"$depends" || fail "Depends lacks $pkg: $depends"
+done
+
+# Contents.
+dpkg-deb -x "$DEB" "$SCRATCH/root"
+bash "$HERE/check-tree.sh" "$SCRATCH/root" || failures=$((failures + 1))
+
+# ...and, in general, every library that a packaged binary needs comes from a
+# package named in Depends (or from the package itself).
+while read -r elf; do
+    for lib in $(readelf -d "$elf" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p'); do
+        [ -e "$(dirname "$elf")/$lib" ] && continue # a private library beside it
+        owner=$(dpkg -S "*/$lib" 2>/dev/null | head -1 | cut -d: -f1)
+        if [ -z "$owner" ]; then
+            fail "${elf#"$SCRATCH"/root/} needs $lib, which no installed package provides"
+        elif ! grep -Eq "(^|, |\| )$owner( |,|$)" <<<"$depends"; then
+            fail "${elf#"$SCRATCH"/root/} needs $lib from $owner, which is not in Depends"
+        fi
+    done
+done < <(find "$SCRATCH/root" -type f \( -perm -u+x -o -name '*.so*' \) -exec sh -c 'file -b "$1" | grep -q ELF && echo "$1"' sh {} \; 2>/dev/null)
+
+# Files belong to root.
+if dpkg-deb -c "$DEB" | awk '{print $2}' | grep -v '^root/root$' >&2; then
+    fail "files not owned by root/root (above)"
+fi
+
+# Maintainer scripts: ours (udev reload), executable, no ldconfig.
+dpkg-deb -e "$DEB" "$SCRATCH/control"
+for script in postinst postrm; do
+    [ -x "$SCRATCH/control/$script" ] || fail "no executable $script"
+    cmp -s "$SCRATCH/control/$script" "$SRC/packaging/$script" || fail "$script is not packaging/$script"
+    sh -n "$SCRATCH/control/$script" || fail "$script has a syntax error"
+done
+if grep -l ldconfig "$SCRATCH"/control/post* >&2; then
+    fail "a maintainer script calls ldconfig"
+fi
+
+# The installed reference host plays its scripted session over the installed
+# virtual-panel plug-in (run paths and plug-in loading as installed).
+if [ -x "$SCRATCH/root/usr/bin/dialix-host" ]; then
+    if ! (cd "$SCRATCH" && QT_QPA_PLATFORM=offscreen timeout 300 \
+        "$SCRATCH/root/usr/bin/dialix-host" --script \
+        --plugin "$SCRATCH/root/usr/lib/dialix/libdialix_virtual.so" \
+        --screenshots "$SCRATCH/shots" --settings "$SCRATCH/host.ini" >"$SCRATCH/host.log" 2>&1); then
+        tail -20 "$SCRATCH/host.log" >&2
+        fail "the installed dialix-host did not finish its session"
+    fi
+fi
+
+# lintian: no errors or warnings; explained findings are in the package's
+# overrides (packaging/lintian-overrides). Informational tags are shown.
+if command -v lintian >/dev/null; then
+    lintian --info --fail-on error,warning "$DEB" 2>&1 | grep -v '^running with root privileges' \
+        || true
+    if ! lintian --fail-on error,warning "$DEB" >/dev/null 2>&1; then
+        fail "lintian reports errors or warnings (above)"
+    fi
+else
+    fail "lintian is not installed (scripts/setup-deps.sh installs it)"
+fi
+
+if [ "$failures" -ne 0 ]; then
+    echo "check-deb: $failures problem(s) in $DEB" >&2
+    exit 1
+fi
+echo "check-deb: $DEB is fine"
