@@ -8,7 +8,8 @@ BUILD_DIR="${DIALIX_ASAN_BUILD:-$ROOT/build-asan}"
 start=$(date +%s)
 
 cmake -S "$ROOT" -B "$BUILD_DIR" -DCMAKE_BUILD_TYPE=Debug -DDIALIX_WERROR=ON \
-    -DDIALIX_SANITIZE=address,undefined -DDIALIX_BUILD_BENCH=OFF >/dev/null
+    -DDIALIX_SANITIZE=address,undefined -DDIALIX_BUILD_BENCH=OFF \
+    -DCMAKE_CXX_COMPILER_LAUNCHER="$ROOT/scripts/asan-cxx.sh" >/dev/null
 cmake --build "$BUILD_DIR" -j2
 
 # Debian's Qt has no frame pointers, so the fast unwinder stops at the first Qt
