@@ -5,133 +5,31 @@
 #include "interfaces/devicemanagerabstract.h"
 #include "plugins/panels/dialix/source/dialixcontrol.h"
 
-#include <QPushButton>
-
 #include <QMap>
+#include <QPushButton>
 #include <QStringList>
 #include <QVariant>
 
-// A device manager over a small radio model that records, as text, every
-// operation that changes something and every one of its signals (whoever
-// emitted it): "setLock(1,true)", "signal switchedApf(1)". Queries are counted,
-// not recorded.
-class RecordingManager : public DeviceManagerAbstract
+// Calls and messages as text, so that expectations read like the calls:
+// "setLock(1,true)", and command messages with their element types,
+// "[143 int, 0 uint, -3 int]", so a wrong type fails as clearly as a wrong value.
+inline QString text(bool v)
 {
-    Q_OBJECT
-
-public:
-    explicit RecordingManager(QObject *parent = nullptr)
-        : DeviceManagerAbstract(parent)
-    {
-        connect(this, &DeviceManagerAbstract::display4kModeChanged, this, [this](bool s) {
-            record(QStringLiteral("signal display4kModeChanged(%1)").arg(b(s)));
-        });
-        connect(this, &DeviceManagerAbstract::moxChanged, this, [this](quint32 t, bool s) {
-            record(QStringLiteral("signal moxChanged(%1,%2)").arg(t).arg(b(s)));
-        });
-        connect(this, &DeviceManagerAbstract::mixerVfoMode, this, [this](quint32 r, quint32 m) {
-            record(QStringLiteral("signal mixerVfoMode(%1,%2)").arg(r).arg(m));
-        });
-        connect(this, &DeviceManagerAbstract::switchedApf, this,
-                [this](quint32 r) { record(QStringLiteral("signal switchedApf(%1)").arg(r)); });
-        connect(this, &DeviceManagerAbstract::switchNF, this,
-                [this](quint32 r) { record(QStringLiteral("signal switchNF(%1)").arg(r)); });
-        connect(this, &DeviceManagerAbstract::switchRx2Enable, this,
-                [this]() { record(QStringLiteral("signal switchRx2Enable()")); });
-        connect(this, &DeviceManagerAbstract::txTransfer, this, [this](quint32 r, bool s) {
-            record(QStringLiteral("signal txTransfer(%1,%2)").arg(r).arg(b(s)));
-        });
-    }
-
-    void setLock(quint32 receiver, bool state) override
-    {
-        locks[receiver] = state;
-        record(QStringLiteral("setLock(%1,%2)").arg(receiver).arg(b(state)));
-    }
-    bool lock(quint32 receiver) const override { return locks.value(receiver); }
-    void setVox(quint32 receiver, bool state) override
-    {
-        voxes[receiver] = state;
-        record(QStringLiteral("setVox(%1,%2)").arg(receiver).arg(b(state)));
-    }
-    bool vox(quint32 receiver) const override { return voxes.value(receiver); }
-    void setVfoaToVfob(quint32 receiver) override
-    {
-        record(QStringLiteral("setVfoaToVfob(%1)").arg(receiver));
-    }
-    void setVfobToVfoa(quint32 receiver) override
-    {
-        record(QStringLiteral("setVfobToVfoa(%1)").arg(receiver));
-    }
-    void setVfoaSwapVfob(quint32 receiver) override
-    {
-        record(QStringLiteral("setVfoaSwapVfob(%1)").arg(receiver));
-    }
-    void setMixerMode(quint32 mode) override
-    {
-        record(QStringLiteral("setMixerMode(%1)").arg(mode));
-    }
-    void setMute(quint32 tranceiver, bool state) override
-    {
-        record(QStringLiteral("setMute(%1,%2)").arg(tranceiver).arg(b(state)));
-    }
-    quint32 tranceivers() const override { return transceiverCount; }
-    bool mox(quint32 tranceiver) const override
-    {
-        ++moxQueries;
-        return moxes.value(tranceiver);
-    }
-    bool rit(quint32 receiver) const override { return rits.value(receiver); }
-    bool xit(quint32 receiver) const override { return xits.value(receiver); }
-    double mainVolume() const override { return volume; }
-    void setMainVolume(double dB) override
-    {
-        volume = dB;
-        record(QStringLiteral("setMainVolume(%1)").arg(dB));
-    }
-
-    // The model.
-    quint32 transceiverCount = 2;
-    QMap<quint32, bool> locks, voxes, moxes, rits, xits;
-    double volume = -20.0;
-    mutable int moxQueries = 0;
-
-    QStringList calls;
-
-private:
-    static QString b(bool v) { return v ? QStringLiteral("true") : QStringLiteral("false"); }
-    void record(const QString &call) { calls << call; }
-};
-
-// The host's CW-key object, recording the calls the panel makes.
-class RecordingCwKey : public CwKeyControlAbstract
+    return v ? QStringLiteral("true") : QStringLiteral("false");
+}
+inline QString text(quint32 v)
 {
-    Q_OBJECT
-
-public:
-    using CwKeyControlAbstract::CwKeyControlAbstract;
-
-    void setKey(quint32 transmitter, quint32 src, bool dash, bool dot) override
-    {
-        calls << QStringLiteral("setKey(%1,%2,%3,%4)")
-                     .arg(transmitter)
-                     .arg(src)
-                     .arg(b(dash))
-                     .arg(b(dot));
-    }
-    void setTrx(quint32 tranceiver, quint32 ptt, bool state) override
-    {
-        calls << QStringLiteral("setTrx(%1,%2,%3)").arg(tranceiver).arg(ptt).arg(b(state));
-    }
-
-    QStringList calls;
-
-private:
-    static QString b(bool v) { return v ? QStringLiteral("true") : QStringLiteral("false"); }
-};
-
-// Command messages as text with their element types, "[143 int, 0 uint, -3 int]",
-// so that a wrong type fails as clearly as a wrong value.
+    return QString::number(v);
+}
+inline QString text(double v)
+{
+    return QString::number(v);
+}
+template<typename... Args>
+QString call(const char *name, Args... args)
+{
+    return QStringLiteral("%1(%2)").arg(QLatin1String(name), QStringList {text(args)...}.join(','));
+}
 inline QString describeMessage(const QVariantList &message)
 {
     QStringList parts;
@@ -139,21 +37,81 @@ inline QString describeMessage(const QVariantList &message)
         parts << v.toString() + QLatin1Char(' ') + QString::fromLatin1(v.typeName());
     return QLatin1Char('[') + parts.join(QStringLiteral(", ")) + QLatin1Char(']');
 }
-
 inline QStringList msg(const QVariantList &m)
 {
     return {describeMessage(m)};
 }
 
-// A controller bound to a recording device manager, with three receivers and
-// receiver 1 selected unless told otherwise, and every command message the
-// codec sends.
+// A device manager over a small radio model. It records every operation that
+// changes something and every one of its signals, whoever emitted them.
+class RecordingManager : public DeviceManagerAbstract
+{
+    Q_OBJECT
+
+public:
+    RecordingManager()
+    {
+        using D = DeviceManagerAbstract;
+        connect(this, &D::mixerVfoMode,
+                [this](quint32 r, quint32 m) { sig("mixerVfoMode", r, m); });
+        connect(this, &D::switchedApf, [this](quint32 r) { sig("switchedApf", r); });
+        connect(this, &D::switchNF, [this](quint32 r) { sig("switchNF", r); });
+        connect(this, &D::switchRx2Enable, [this]() { sig("switchRx2Enable"); });
+        connect(this, &D::txTransfer, [this](quint32 r, bool s) { sig("txTransfer", r, s); });
+    }
+
+    void setLock(quint32 r, bool s) override { calls << call("setLock", r, locks[r] = s); }
+    bool lock(quint32 r) const override { return locks.value(r); }
+    void setVox(quint32 r, bool s) override { calls << call("setVox", r, voxes[r] = s); }
+    bool vox(quint32 r) const override { return voxes.value(r); }
+    void setVfoaToVfob(quint32 r) override { calls << call("setVfoaToVfob", r); }
+    void setVfobToVfoa(quint32 r) override { calls << call("setVfobToVfoa", r); }
+    void setVfoaSwapVfob(quint32 r) override { calls << call("setVfoaSwapVfob", r); }
+    void setMixerMode(quint32 mode) override { calls << call("setMixerMode", mode); }
+    void setMute(quint32 t, bool s) override { calls << call("setMute", t, s); }
+    quint32 tranceivers() const override { return transceiverCount; }
+    bool mox(quint32 t) const override { return ++moxQueries, moxes.value(t); }
+    bool rit(quint32 r) const override { return rits.value(r); }
+    bool xit(quint32 r) const override { return xits.value(r); }
+    double mainVolume() const override { return volume; }
+    void setMainVolume(double dB) override { calls << call("setMainVolume", volume = dB); }
+
+    quint32 transceiverCount = 2;
+    QMap<quint32, bool> locks, voxes, moxes, rits, xits;
+    double volume = -20.0;
+    mutable int moxQueries = 0;
+    QStringList calls;
+
+private:
+    template<typename... Args>
+    void sig(const char *name, Args... args)
+    {
+        calls << "signal " + call(name, args...);
+    }
+};
+
+class RecordingCwKey : public CwKeyControlAbstract
+{
+    Q_OBJECT
+
+public:
+    void setKey(quint32 tx, quint32 src, bool dash, bool dot) override
+    {
+        calls << call("setKey", tx, src, dash, dot);
+    }
+    void setTrx(quint32 t, quint32 ptt, bool s) override { calls << call("setTrx", t, ptt, s); }
+    QStringList calls;
+};
+
+// A controller bound to a recording manager (with a CW-key object), three
+// receivers with receiver 1 selected unless told otherwise, and the command
+// messages its codec sends.
 struct Rig
 {
     explicit Rig(bool bind = true, uint receivers = 3, int rx = 1)
     {
         QObject::connect(ctrl.command(), &qrvCommand::sCommand, &ctrl,
-                         [this](const QVariant &m) { messages << m.toList(); });
+                         [this](const QVariant &m) { sent << describeMessage(m.toList()); });
         manager.setCwKeyControl(&cwKey);
         ctrl.setChannels(receivers);
         ui()->cbReceiver->setCurrentIndex(rx);
@@ -167,25 +125,7 @@ struct Rig
         return ctrl.optionsWidget()->findChild<QPushButton *>(name);
     }
 
-    QStringList sent() const
-    {
-        QStringList out;
-        for (const QVariantList &m : messages)
-            out << describeMessage(m);
-        return out;
-    }
-
-    // The option-page state that functions may change.
-    QString state()
-    {
-        return QStringLiteral("useIf=%1 useIfRit=%2 vfoB=%3 rx=%4")
-            .arg(ui()->chbUseIf->isChecked())
-            .arg(ui()->chbUseIf_Rit->isChecked())
-            .arg(ui()->chbVfoB->isChecked())
-            .arg(ui()->cbReceiver->currentIndex());
-    }
-
-    // Presses and releases function key n (1 .. 17) through the device signals.
+    // Function key n (1 .. 17) through the device's signals.
     void press(int n, bool down)
     {
         if (n <= 14)
@@ -197,5 +137,5 @@ struct Rig
     RecordingCwKey cwKey;
     RecordingManager manager;
     DialixControl ctrl;
-    QList<QVariantList> messages;
+    QStringList sent;
 };
