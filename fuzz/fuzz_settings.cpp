@@ -1,0 +1,244 @@
+// Fuzzes the loading of settings from INI text: the options page's keys from
+// the plug-in's own file and from the host's settings object, and (when the
+// controller is built) the key and dial assignments. The input is written as an
+// INI file, opened with QSettings as the plug-in opens "/options.ini", and read.
+//
+// Besides "no crash, no leak, no undefined behaviour", every option key whose
+// stored text is a plain number, "true"/"false" or absent is checked against the
+// fallback rules: the own file falls back to the key's default, the host's
+// settings leave the control as it was.
+
+#include "plugins/panels/dialix/source/dialixoptions.h"
+#include "plugins/panels/dialix/source/optionkeys.h"
+#ifdef DIALIX_FUZZ_CONTROLLER
+#include "plugins/panels/dialix/source/dialixcontrol.h"
+#endif
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QSpinBox>
+#include <QTemporaryDir>
+
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+
+namespace {
+
+using dialix::OptionKey;
+using dialix::OptionType;
+
+QTemporaryDir *workDir;
+DialixOptions *page;
+#ifdef DIALIX_FUZZ_CONTROLLER
+DialixControl *control;
+#endif
+quint64 fileNumber = 0;
+
+// The state of one control, as an int (check boxes 0/1, combo boxes their index).
+int controlState(const OptionKey &key)
+{
+    const QString name = QLatin1String(key.control);
+    switch (key.type) {
+    case OptionType::Bool:
+        return page->findChild<QCheckBox *>(name)->isChecked() ? 1 : 0;
+    case OptionType::SpinBox:
+        return page->findChild<QSpinBox *>(name)->value();
+    case OptionType::Index:
+    case OptionType::Text:
+        return page->findChild<QComboBox *>(name)->currentIndex();
+    }
+    return 0;
+}
+
+bool inRange(const OptionKey &key, int value)
+{
+    const QString name = QLatin1String(key.control);
+    if (key.type == OptionType::SpinBox) {
+        auto *box = page->findChild<QSpinBox *>(name);
+        return value >= box->minimum() && value <= box->maximum();
+    }
+    if (key.type == OptionType::Index)
+        return value >= 0 && value < page->findChild<QComboBox *>(name)->count();
+    return true;
+}
+
+// The stored value when it is unambiguous: absent (nullopt with *present false),
+// a plain decimal number, or true/false. Anything else: nullopt, *present true.
+std::optional<int> plainValue(QSettings &settings, const OptionKey &key, bool *present)
+{
+    const QString name = QLatin1String(key.key);
+    *present = settings.contains(name);
+    if (!*present)
+        return std::nullopt;
+    const QVariant v = settings.value(name);
+    if (v.userType() != QMetaType::QString)
+        return std::nullopt;
+    const QString text = v.toString();
+    static const QRegularExpression number(QStringLiteral("^[+-]?[0-9]{1,9}$"));
+    if (number.match(text).hasMatch())
+        return text.toInt();
+    if (key.type == OptionType::Bool && text == QLatin1String("true"))
+        return 1;
+    if (key.type == OptionType::Bool && text == QLatin1String("false"))
+        return 0;
+    return std::nullopt;
+}
+
+[[noreturn]] void fail(const char *store, const OptionKey &key, int want, int got)
+{
+    std::fprintf(stderr, "%s: key %s loaded %d, expected %d\n", store, key.key, got, want);
+    std::abort();
+}
+
+void checkOptions(QSettings &settings, bool ownFile, const QList<int> &before)
+{
+    settings.beginGroup(QStringLiteral("Options"));
+    for (int i = 0; i < dialix::OptionKeyCount; ++i) {
+        const OptionKey &key = dialix::optionKeys[i];
+        const int got = controlState(key);
+        if (!inRange(key, got))
+            fail(ownFile ? "own file" : "host", key, -1, got);
+        if (key.type == OptionType::Text)
+            continue;
+        bool present = false;
+        const std::optional<int> stored = plainValue(settings, key, &present);
+        if (present && !stored)
+            continue; // not a plain value: only the range is checked
+        const int fallback = ownFile ? key.defaultValue : before.at(i);
+        int want = fallback;
+        if (stored) {
+            want = *stored;
+            if (key.type == OptionType::Bool)
+                want = want != 0;
+            else if (!inRange(key, want))
+                want = fallback;
+        }
+        if (got != want)
+            fail(ownFile ? "own file" : "host", key, want, got);
+    }
+    settings.endGroup();
+}
+
+#ifdef DIALIX_FUZZ_CONTROLLER
+// A stored function position: a plain number in range, else "Unused" (0).
+int expectedPosition(QSettings &settings, const QString &key, int count, bool *plain)
+{
+    *plain = true;
+    if (!settings.contains(key))
+        return 0;
+    const QVariant v = settings.value(key);
+    static const QRegularExpression number(QStringLiteral("^[+-]?[0-9]{1,9}$"));
+    if (v.userType() != QMetaType::QString || !number.match(v.toString()).hasMatch()) {
+        *plain = false;
+        return 0;
+    }
+    const int position = v.toString().toInt();
+    return position >= 0 && position < count ? position : 0;
+}
+
+void checkAssignments(QSettings &settings, int dialKeyOffset)
+{
+    settings.beginGroup(QStringLiteral("Dialix1"));
+    for (int n = 1; n <= 17; ++n) {
+        bool plain = false;
+        const int want =
+            expectedPosition(settings, QStringLiteral("FunctionButton%1").arg(n - 1), 61, &plain);
+        const int got = control->buttonFunction(n);
+        if (got < 0 || got > 60 || (plain && got != want)) {
+            std::fprintf(stderr, "button %d: function %d, expected %d\n", n, got, want);
+            std::abort();
+        }
+    }
+    for (int j = 0; j < 4; ++j) {
+        bool plain = false;
+        const int want = expectedPosition(
+            settings, QStringLiteral("FunctionDial%1").arg(j + dialKeyOffset), 14, &plain);
+        const int got = control->dialFunction(j);
+        if (got < 0 || got > 13 || (plain && got != want)) {
+            std::fprintf(stderr, "dial %d: function %d, expected %d\n", j, got, want);
+            std::abort();
+        }
+    }
+    settings.endGroup();
+}
+#endif
+
+QList<int> snapshot()
+{
+    QList<int> state;
+    for (const OptionKey &key : dialix::optionKeys)
+        state.append(controlState(key));
+    return state;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("XDG_RUNTIME_DIR", QDir::tempPath().toLocal8Bit());
+    // Lives for the whole run, as do the page and the directory.
+    new QApplication(*argc, *argv);
+    workDir = new QTemporaryDir(QDir::tempPath() + QStringLiteral("/fuzz_settings-XXXXXX"));
+#ifdef DIALIX_FUZZ_CONTROLLER
+    control = new DialixControl;
+    page = control->optionsWidget();
+#else
+    page = new DialixOptions;
+#endif
+    page->ui->cbReceiver->clear();
+    page->ui->cbReceiver->addItems({QStringLiteral("RX 1"), QStringLiteral("RX 2")});
+    page->ui->cbPortName->clear();
+    page->ui->cbPortName->addItems({QStringLiteral("ttyUSB0"), QStringLiteral("COM3")});
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    // A new file name each time: QSettings caches parsed files by name and
+    // modification time, which a rewrite within the same millisecond defeats.
+    const QString path = workDir->filePath(QStringLiteral("options%1.ini").arg(++fileNumber));
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly))
+            std::abort();
+        file.write(reinterpret_cast<const char *>(data), qint64(size));
+    }
+    {
+        QSettings settings(path, QSettings::IniFormat);
+#ifdef DIALIX_FUZZ_CONTROLLER
+        // The controller opens its group and lets the page read the sub-group.
+        control->readAssignments(settings);
+        checkAssignments(settings, -1);
+        settings.beginGroup(QStringLiteral("Dialix1"));
+        checkOptions(settings, true, {});
+        settings.endGroup();
+
+        const QList<int> before = snapshot();
+        control->readHostAssignments(settings);
+        checkAssignments(settings, 0);
+        settings.beginGroup(QStringLiteral("Dialix1"));
+        checkOptions(settings, false, before);
+        settings.endGroup();
+#else
+        settings.beginGroup(QStringLiteral("Dialix1"));
+        page->readOptionKeys(&settings);
+        checkOptions(settings, true, {});
+
+        const QList<int> before = snapshot();
+        page->readHostOptionKeys(&settings);
+        checkOptions(settings, false, before);
+        settings.endGroup();
+#endif
+    }
+    QFile::remove(path);
+    return 0;
+}
