@@ -85,6 +85,8 @@ private slots:
     void keyPressReachesHost();
     void moxLightsTransmitLed();
     void setManagerBindsOnce();
+    void tabWidgetBelongsToHost_data();
+    void tabWidgetBelongsToHost();
 
 private:
     // Loads the virtual module's root and places its tab widget in a host widget.
@@ -371,6 +373,38 @@ void tst_ControlDialix::setManagerBindsOnce()
     root->setCommand(QVariantList {109});
     QCOMPARE(radio.moxListeners(), 2);
     root->setManager(nullptr);
+}
+
+void tst_ControlDialix::tabWidgetBelongsToHost_data()
+{
+    QTest::addColumn<bool>("hostGoesFirst");
+    QTest::newRow("root deleted first") << false;
+    QTest::newRow("host deleted first") << true;
+}
+
+void tst_ControlDialix::tabWidgetBelongsToHost()
+{
+    QFETCH(bool, hostGoesFirst);
+    VirtualPanel::plug(QStringLiteral("DLX0001"));
+    VirtualPanel::plug(QStringLiteral("DLX0002"));
+    QVERIFY(load());
+    QPointer<QTabWidget> widget = tabs();
+    QVERIFY(widget);
+    QCOMPARE(widget->parentWidget(), host.get());
+
+    if (hostGoesFirst) {
+        host.reset();
+        QVERIFY(!widget);
+        // The root must not touch the widget the host has deleted, neither on a
+        // device change nor when it goes.
+        root->setCommand(QVariantList {109});
+        delete root.data();
+    } else {
+        delete root.data();
+        QVERIFY(widget);
+        QCOMPARE(widget->parentWidget(), host.get());
+        QCOMPARE(widget->count(), 2);
+    }
 }
 
 QTEST_MAIN(tst_ControlDialix)

@@ -53,9 +53,11 @@ QByteArray hotplugSubsystem()
     return chosen.isEmpty() ? QByteArrayLiteral("hidraw") : chosen;
 }
 
+// The page is gone when the host has deleted the tab widget that held it.
 bool enabled(const DialixControl &controller)
 {
-    return controller.optionsWidget()->ui->chbEnable->isChecked();
+    const DialixOptions *page = controller.optionsWidget();
+    return page && page->ui->chbEnable->isChecked();
 }
 
 // The codecs learn the CW-key object from the same announcement the host sends.
@@ -111,7 +113,7 @@ ControlDialix::~ControlDialix()
     // to the host once addWidget() ran; before that nobody else knows it.
     controllers.clear();
     if (tabWidget && !tabWidget->parent())
-        delete tabWidget;
+        delete tabWidget.data();
     if (QCoreApplication *app = QCoreApplication::instance())
         app->removeNativeEventFilter(this);
 }
@@ -123,7 +125,7 @@ QString ControlDialix::name() const
 
 bool ControlDialix::addWidget(QLayout *layout)
 {
-    if (!layout)
+    if (!layout || !tabWidget)
         return false;
     layout->addWidget(tabWidget);
     return true;
@@ -285,7 +287,8 @@ std::shared_ptr<DialixControl> ControlDialix::addController()
     const int number = controllers.size();
     controller->setNumber(number - 1);
     connect(controller->command(), &qrvCommand::sCommand, this, &DialixAbstract::sCommand);
-    tabWidget->addTab(controller->optionsWidget(), tr("Dialix %1").arg(number));
+    if (tabWidget)
+        tabWidget->addTab(controller->optionsWidget(), tr("Dialix %1").arg(number));
     return controller;
 }
 
@@ -295,8 +298,10 @@ void ControlDialix::removeLastController()
     if (settings)
         controller->saveOptions();
     // Take the page out of the tab widget's tree; its controller decides its fate.
-    DialixOptions *page = controller->optionsWidget();
-    tabWidget->removeTab(tabWidget->indexOf(page));
-    page->setParent(nullptr);
+    if (DialixOptions *page = controller->optionsWidget()) {
+        if (tabWidget)
+            tabWidget->removeTab(tabWidget->indexOf(page));
+        page->setParent(nullptr);
+    }
     controllers.removeLast();
 }

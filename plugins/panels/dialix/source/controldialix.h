@@ -5,10 +5,11 @@
 
 #include <QAbstractNativeEventFilter>
 #include <QList>
+#include <QPointer>
+#include <QTabWidget>
 
 #include <memory>
 
-class QTabWidget;
 class CwKeyControlAbstract;
 class DeviceWatcher;
 class DialixControl;
@@ -64,7 +65,8 @@ private:
     void removeLastController();
 
     quint32 channels = 1;
-    QTabWidget *tabWidget = nullptr; // handed to the host by addWidget(), never deleted here
+    // Handed to the host by addWidget(); the host may delete it before the root.
+    QPointer<QTabWidget> tabWidget;
     QSettings *settings = nullptr; // borrowed
     CwKeyControlAbstract *cwKey = nullptr; // borrowed
     DeviceManagerAbstract *manager = nullptr; // borrowed
