@@ -60,8 +60,6 @@ DIALIX_DIAL_FUNCTIONS(DIALIX_DEFINE_DIAL_SLOT_)
 DialixControl::DialixControl(QObject *parent)
     : DialixAbstract(parent)
 {
-    valueTimeout.setTimeout(ValueTimeout::MinimumTimeout);
-
     SerialPortAbstract *port = serialPort.current();
     port->setBaudRate(9600, QSerialPort::AllDirections);
     port->setDataBits(DataBits8);
@@ -119,6 +117,9 @@ DialixControl::~DialixControl()
     qDeleteAll(dialMenus);
 }
 
+// The function menus are top-level widgets without a parent; the controller
+// keeps them in its lists and deletes them. Their actions belong to the menus,
+// their exclusive groups to the controller.
 void DialixControl::buildButtonMenus()
 {
     for (int k = 1; k <= ButtonCount; ++k) {
