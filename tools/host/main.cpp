@@ -20,12 +20,14 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QPointer>
 #include <QSettings>
 #include <QTextStream>
 
 #include <cstdio>
+#include <vector>
 
 namespace {
 
@@ -54,7 +56,25 @@ void print(const QString &kind, const QString &line)
 int main(int argc, char *argv[])
 {
     defaultHandler = qInstallMessageHandler(quietHandler);
-    QApplication app(argc, argv);
+
+    // QGuiApplication takes "-plugin" for its own generic plug-ins; ours must
+    // not reach it.
+    QStringList args;
+    std::vector<char *> qtArgv;
+    for (int i = 0; i < argc; ++i) {
+        const QByteArray arg(argv[i]);
+        args << QString::fromLocal8Bit(arg);
+        if ((arg == "--plugin" || arg == "-plugin") && i + 1 < argc) {
+            args << QString::fromLocal8Bit(argv[++i]);
+            continue;
+        }
+        if (arg.startsWith("--plugin=") || arg.startsWith("-plugin="))
+            continue;
+        qtArgv.push_back(argv[i]);
+    }
+    int qtArgc = int(qtArgv.size());
+    qtArgv.push_back(nullptr);
+    QApplication app(qtArgc, qtArgv.data());
     QApplication::setApplicationName(QStringLiteral("dialix-host"));
 
     QCommandLineParser parser;
@@ -75,7 +95,7 @@ int main(int argc, char *argv[])
         QStringLiteral("file"),
         QDir(QApplication::applicationDirPath()).filePath(QStringLiteral("host.ini")));
     parser.addOptions({pluginOption, sessionOption, shotsOption, settingsOption});
-    parser.process(app);
+    parser.process(args);
     const bool scripted = parser.isSet(sessionOption);
 
     // The session starts from the plug-in's defaults: it forgets the panel
@@ -89,7 +109,11 @@ int main(int argc, char *argv[])
     const int firstPanel = VirtualPanel::plug(QStringLiteral("DLX0001"));
 
     PluginHost host;
-    const QString path = parser.value(pluginOption);
+    // QPluginLoader looks for relative names in the library paths; the user
+    // means the current directory.
+    QString path = parser.value(pluginOption);
+    if (QFileInfo::exists(path))
+        path = QFileInfo(path).absoluteFilePath();
     if (!host.load(path)) {
         print(QStringLiteral("error"), host.errorString());
         return 1;
