@@ -27,8 +27,11 @@ version=$(sed -n 's/^project(dialix VERSION \([0-9.]*\).*/\1/p' "$SRC/CMakeLists
 
 # Dependencies: the runtime packages of Qt, hidapi and udev by name...
 depends=$(field Depends)
+# One package name a line (alternatives included, versions dropped).
+depends_names=$(tr ',|' '\n\n' <<<"$depends" | sed 's/(.*//; s/[[:space:]]//g')
+depends_on() { grep -qxF "$1" <<<"$depends_names"; }
 for pkg in libqt5core5a libqt5gui5 libqt5widgets5 libqt5serialport5 libhidapi-hidraw0 libudev1 libc6 libstdc++6; do
-    grep -Eq "(^|, |\| )$pkg( |,|$)" <<<"$depends" || fail "Depends lacks $pkg: $depends"
+    depends_on "$pkg" || fail "Depends lacks $pkg: $depends"
 done
 
 # Contents.
@@ -36,14 +39,20 @@ dpkg-deb -x "$DEB" "$SCRATCH/root"
 bash "$HERE/check-tree.sh" "$SCRATCH/root" || failures=$((failures + 1))
 
 # ...and, in general, every library that a packaged binary needs comes from a
-# package named in Depends (or from the package itself).
+# package named in Depends, or from this package itself. The library is looked
+# up where the loader finds it (ldd), and its owner asked of dpkg.
 while read -r elf; do
     for lib in $(readelf -d "$elf" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p'); do
-        [ -e "$(dirname "$elf")/$lib" ] && continue # a private library beside it
-        owner=$(dpkg -S "*/$lib" 2>/dev/null | head -1 | cut -d: -f1)
+        path=$(ldd "$elf" | awk -v lib="$lib" '$1 == lib && $2 == "=>" { print $3 }')
+        case "$path" in
+        "$SCRATCH"/root/*) continue ;;
+        "" | "not") fail "${elf#"$SCRATCH"/root/} needs $lib, which is not found"; continue ;;
+        esac
+        owner=$( (dpkg -S "$path" 2>/dev/null || dpkg -S "$(realpath "$path")" 2>/dev/null || true) \
+            | head -1 | cut -d: -f1)
         if [ -z "$owner" ]; then
-            fail "${elf#"$SCRATCH"/root/} needs $lib, which no installed package provides"
-        elif ! grep -Eq "(^|, |\| )$owner( |,|$)" <<<"$depends"; then
+            fail "${elf#"$SCRATCH"/root/} needs $path, which no installed package provides"
+        elif ! depends_on "$owner"; then
             fail "${elf#"$SCRATCH"/root/} needs $lib from $owner, which is not in Depends"
         fi
     done
@@ -80,7 +89,7 @@ fi
 # lintian: no errors or warnings; explained findings are in the package's
 # overrides (packaging/lintian-overrides). Informational tags are shown.
 if command -v lintian >/dev/null; then
-    lintian --info --fail-on error,warning "$DEB" 2>&1 | grep -v '^running with root privileges' \
+    lintian --display-info --fail-on error,warning "$DEB" 2>&1 | grep -v '^running with root privileges' \
         || true
     if ! lintian --fail-on error,warning "$DEB" >/dev/null 2>&1; then
         fail "lintian reports errors or warnings (above)"
