@@ -260,17 +260,6 @@ private slots:
         QCOMPARE(rig.cwKey.calls, QStringList {"setTrx(1,1,true)"});
     }
 
-    // Without a manager the paddle state is still followed, and sent whole at
-    // the next edge once one is bound.
-    void paddleStateKeptWithoutManager()
-    {
-        Rig rig(false);
-        emit rig.ctrl.panel().dot(true);
-        rig.ctrl.setDevManager(&rig.manager);
-        emit rig.ctrl.panel().dash(true);
-        QCOMPARE(rig.cwKey.calls, QStringList {"setKey(1,1,true,true)"});
-    }
-
     // An empty port name unchecks silently; a port that does not open is
     // reported once, and the box is unchecked.
     void portOpenFailures()
