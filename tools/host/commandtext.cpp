@@ -6,7 +6,7 @@
 
 namespace {
 
-// "panelNb1Change" -> "Nb1 Change", "panelVFO" -> "VFO", "rxAgcGain" -> "rx Agc Gain".
+// "panelNb1Change" -> "Nb1 Change", "panelVFO" -> "VFO", "rxAgcGain" -> "Rx Agc Gain".
 QString words(QString name)
 {
     if (name.startsWith(QLatin1String("panel")) && name.size() > 5)
@@ -19,7 +19,7 @@ QString words(QString name)
                 || (i + 1 < name.size() && name.at(i + 1).isLower() && name.at(i - 1).isUpper()));
         if (boundary)
             out += QLatin1Char(' ');
-        out += c;
+        out += out.isEmpty() ? c.toUpper() : c;
     }
     return out;
 }

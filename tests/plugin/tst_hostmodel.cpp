@@ -1,0 +1,120 @@
+#include "tools/host/commandtext.h"
+#include "tools/host/radiomodel.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+// The reference host's radio and its command log: what the end-to-end tests
+// and the scripted session read back must be right in the first place.
+class tst_HostModel : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void commandText_data();
+    void commandText();
+    void moxSignalsChangesOnly();
+    void volumeStaysInRange_data();
+    void volumeStaysInRange();
+    void lockHoldsTheVfo();
+    void pttFromCwKeyKeysTransmitter();
+    void unknownReceiversAreIgnored();
+};
+
+void tst_HostModel::commandText_data()
+{
+    QTest::addColumn<QVariant>("message");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("band up") << QVariant(QVariantList {110, 0u}) << "Band Up rx 0";
+    QTest::newRow("digits stay with their word")
+        << QVariant(QVariantList {141, 1u}) << "Nb1 Change rx 1";
+    QTest::newRow("acronym") << QVariant(QVariantList {143, 0u, 1u, -3}) << "VFO rx 0 ch 1 step -3";
+    QTest::newRow("acronym after a word")
+        << QVariant(QVariantList {145, 0u, false}) << "Enable VFOB rx 0 state off";
+    QTest::newRow("no arguments") << QVariant(QVariantList {109}) << "Device Changed";
+    QTest::newRow("not a panel command")
+        << QVariant(QVariantList {25, 0u, 1u, -4}) << "Rx Agc Gain id 0 ch 1 dB -4";
+    QTest::newRow("tranceiver") << QVariant(QVariantList {158, 2u}) << "Mox Voice Play trx 2";
+}
+
+void tst_HostModel::commandText()
+{
+    QFETCH(QVariant, message);
+    QFETCH(QString, text);
+    QCOMPARE(::commandText(message), text);
+}
+
+void tst_HostModel::moxSignalsChangesOnly()
+{
+    RadioModel radio(2);
+    QSignalSpy spy(&radio, &DeviceManagerAbstract::moxChanged);
+    radio.setMox(1, true);
+    radio.setMox(1, true);
+    radio.setMox(1, false);
+    QCOMPARE(spy.count(), 2);
+    QCOMPARE(spy.at(0), (QVariantList {1u, true}));
+    QCOMPARE(spy.at(1), (QVariantList {1u, false}));
+    QVERIFY(!radio.mox(1));
+}
+
+void tst_HostModel::volumeStaysInRange_data()
+{
+    QTest::addColumn<double>("start");
+    QTest::addColumn<double>("step");
+    QTest::addColumn<double>("result");
+    QTest::newRow("inside") << -20.0 << 5.0 << -15.0;
+    QTest::newRow("top") << -2.0 << 5.0 << 0.0;
+    QTest::newRow("bottom") << -58.0 << -5.0 << -60.0;
+}
+
+void tst_HostModel::volumeStaysInRange()
+{
+    QFETCH(double, start);
+    QFETCH(double, step);
+    QFETCH(double, result);
+    RadioModel radio(1);
+    radio.setMainVolume(start);
+    radio.setVolume(0, radio.volume(0) + step);
+    QCOMPARE(radio.mainVolume(), result);
+}
+
+void tst_HostModel::lockHoldsTheVfo()
+{
+    RadioModel radio(1);
+    const double before = radio.frequency(0, 0);
+    radio.setLock(0, true);
+    radio.tune(0, 0, 100.0);
+    QCOMPARE(radio.frequency(0, 0), before);
+    radio.setLock(0, false);
+    radio.tune(0, 0, 100.0);
+    QCOMPARE(radio.frequency(0, 0), before + 100.0);
+}
+
+void tst_HostModel::pttFromCwKeyKeysTransmitter()
+{
+    RadioModel radio(2);
+    HostCwKey key(&radio);
+    radio.setCwKeyControl(&key);
+    QSignalSpy trx(&key, &CwKeyControlAbstract::trx);
+    radio.cwKeyControl()->setTrx(1, 1, true);
+    QVERIFY(radio.mox(1));
+    QVERIFY(!radio.mox(0));
+    QCOMPARE(trx.count(), 1);
+    radio.cwKeyControl()->setTrx(1, 1, false);
+    QVERIFY(!radio.mox(1));
+}
+
+void tst_HostModel::unknownReceiversAreIgnored()
+{
+    RadioModel radio(2);
+    QSignalSpy spy(&radio, &RadioModel::changed);
+    radio.setMox(2, true);
+    radio.setMute(5, true);
+    radio.setVolume(2, -10.0);
+    QCOMPARE(spy.count(), 0);
+    QVERIFY(!radio.mox(2));
+    QCOMPARE(radio.tranceivers(), 2u);
+}
+
+QTEST_GUILESS_MAIN(tst_HostModel)
+#include "tst_hostmodel.moc"
