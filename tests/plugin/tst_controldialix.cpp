@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QJsonArray>
@@ -85,6 +86,7 @@ private slots:
     void keyPressReachesHost();
     void moxLightsTransmitLed();
     void setManagerBindsOnce();
+    void channelCountReachesEveryController();
     void tabWidgetBelongsToHost_data();
     void tabWidgetBelongsToHost();
 
@@ -373,6 +375,34 @@ void tst_ControlDialix::setManagerBindsOnce()
     root->setCommand(QVariantList {109});
     QCOMPARE(radio.moxListeners(), 2);
     root->setManager(nullptr);
+}
+
+void tst_ControlDialix::channelCountReachesEveryController()
+{
+    VirtualPanel::plug(QStringLiteral("DLX0001"));
+    QVERIFY(load());
+    auto receivers = [this](int i) {
+        return page(i)->findChild<QComboBox *>(QStringLiteral("cbReceiver"));
+    };
+    QVERIFY(receivers(0));
+
+    root->setChannels(3);
+    QCOMPARE(receivers(0)->count(), 3);
+    QCOMPARE(receivers(0)->itemText(2), QStringLiteral("RX 3"));
+    // The same count again must not rebuild the list (that would lose the choice).
+    receivers(0)->setCurrentIndex(2);
+    root->setChannels(3);
+    QCOMPARE(receivers(0)->currentIndex(), 2);
+
+    // A controller added later gets the count too.
+    VirtualPanel::plug(QStringLiteral("DLX0002"));
+    root->setCommand(QVariantList {109});
+    QCOMPARE(receivers(1)->count(), 3);
+
+    // No channels means one.
+    root->setChannels(0);
+    QCOMPARE(receivers(0)->count(), 1);
+    QCOMPARE(receivers(1)->count(), 1);
 }
 
 void tst_ControlDialix::tabWidgetBelongsToHost_data()
