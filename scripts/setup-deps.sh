@@ -30,9 +30,10 @@ PACKAGES=(
     libclang-rt-14-dev
     # Hot-plug tests create tun interfaces
     iproute2
-    # Packaging checks
+    # Packaging checks (udev: udevadm reads the panel's rule)
     dpkg-dev
     lintian
+    udev
 )
 
 missing=()

@@ -56,7 +56,7 @@ while read -r elf; do
             fail "${elf#"$SCRATCH"/root/} needs $lib from $owner, which is not in Depends"
         fi
     done
-done < <(find "$SCRATCH/root" -type f \( -perm -u+x -o -name '*.so*' \) -exec sh -c 'file -b "$1" | grep -q ELF && echo "$1"' sh {} \; 2>/dev/null)
+done < <(find "$SCRATCH/root" -type f \( -perm -u+x -o -name '*.so*' \) -exec sh -c 'readelf -h "$1" >/dev/null 2>&1 && echo "$1"' sh {} \;)
 
 # Files belong to root.
 if dpkg-deb -c "$DEB" | awk '{print $2}' | grep -v '^root/root$' >&2; then
