@@ -297,7 +297,10 @@ void ControlDialix::removeLastController()
     std::shared_ptr<DialixControl> controller = controllers.last();
     if (settings)
         controller->saveOptions();
-    // Take the page out of the tab widget's tree; its controller decides its fate.
+    // Take the page out of the tab widget's tree; its controller decides its
+    // fate. The tab goes first: a page that is reparented while still in the
+    // tab widget's stack takes its tab with it, and removing "the last tab"
+    // afterwards would then remove one tab too many.
     if (DialixOptions *page = controller->optionsWidget()) {
         if (tabWidget)
             tabWidget->removeTab(tabWidget->indexOf(page));
