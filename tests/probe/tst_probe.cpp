@@ -135,17 +135,12 @@ void TestProbe::exitCodes_data()
     QTest::newRow("events, denied") << "plug A; deny 1" << QStringList{"-e"} << denied << fix;
     QTest::newRow("events, read fails") << "plug A; readerror 1" << QStringList{"-e"} << device
         << "The panel stopped answering (hid_read_timeout: read error); it was probably unplugged.";
-    QTest::newRow("events, other panel fine") << "plug A; deny 1; plug B; key 2 1 down"
-        << QStringList{"-e", "-p", "B", "-n", "1"} << ok << "";
     QTest::newRow("leds, denied") << "plug A; deny 1" << QStringList{"--leds", "-i", "0"} << denied << fix;
     QTest::newRow("leds, writes fail") << "plug A; writesfail 1" << QStringList{"--leds", "-i", "0"}
         << device << "Writing the LED report failed: hid_write: write failed";
     QTest::newRow("unknown option") << "plug A" << QStringList{"--bogus"} << usage << "Try --help.";
     QTest::newRow("two modes") << "plug A" << QStringList{"--list", "--leds"} << usage
         << "dialix-probe: choose one of --list, --events and --leds";
-    QTest::newRow("count 0") << "plug A" << QStringList{"-e", "-n", "0"} << usage << "Try --help.";
-    QTest::newRow("stray argument") << "plug A" << QStringList{"list"} << usage
-        << "dialix-probe: unexpected argument 'list'";
     // clang-format on
 }
 
@@ -202,14 +197,10 @@ void TestProbe::eventsAreDecodedInOrder_data()
     // clang-format off
     QTest::newRow("key press and release") << "key 1 3 down; key 1 3 up"
         << QStringList{"key 3 pressed", "key 3 released"};
-    QTest::newRow("key 0 and key 14") << "key 1 0 down; key 1 14 down"
-        << QStringList{"key 0 pressed", "key 14 pressed"};
     QTest::newRow("dial pushes keep their dial number") << "dialpush 1 0 down; dialpush 1 3 down; dialpush 1 0 up"
         << QStringList{"dial 0 push pressed", "dial 3 push pressed", "dial 0 push released"};
     QTest::newRow("dial turns, signed") << "turn 1 0 -1; turn 1 1 2; turn 1 3 -128"
         << QStringList{"dial 0 turned -1", "dial 1 turned +2", "dial 3 turned -128"};
-    QTest::newRow("a long turn arrives in parts") << "turn 1 2 130"
-        << QStringList{"dial 2 turned +127", "dial 2 turned +3"};
     QTest::newRow("PTT and paddle") << "ptt 1 down; dash 1 down; dot 1 down; ptt 1 up; dash 1 up; dot 1 up"
         << QStringList{"PTT pressed", "paddle dash pressed", "paddle dot pressed",
                        "PTT released", "paddle dash released", "paddle dot released"};
@@ -217,9 +208,6 @@ void TestProbe::eventsAreDecodedInOrder_data()
     QTest::newRow("one report, several changes") << "raw 1 00 02 80 38 00 00 00 00 00 00 00 00 00 ff 00 00 01"
         << QStringList{"key 1 pressed", "dial 0 push pressed", "PTT pressed", "paddle dash pressed",
                        "paddle dot pressed", "dial 0 turned -1", "dial 3 turned +1"};
-    // A short report is not decoded, and bits 22 and 23 carry no line.
-    QTest::newRow("short report and spare bits") << "raw 1 00 08; raw 1 00 00 00 c0 00 00 00 00 00 00 00 00 00 00 00 00 00; key 1 5 down"
-        << QStringList{"key 5 pressed"};
     // clang-format on
 }
 
