@@ -15,7 +15,7 @@ start=$(date +%s)
 cmake -C "$ROOT/fuzz/fuzz-cache.cmake" -S "$ROOT" -B "$BUILD_DIR" >/dev/null
 cmake --build "$BUILD_DIR" -j2 --target fuzzers
 
-export ASAN_OPTIONS="detect_leaks=1:fast_unwind_on_malloc=0:allocator_may_return_null=1"
+export ASAN_OPTIONS="detect_leaks=1:allocator_may_return_null=1"
 export LSAN_OPTIONS="suppressions=$ROOT/scripts/lsan.supp:print_suppressions=0"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 export QT_QPA_PLATFORM=offscreen
