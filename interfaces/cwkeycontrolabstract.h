@@ -19,8 +19,7 @@ class CwKeyControlAbstract : public QObject
 public:
     explicit CwKeyControlAbstract(QObject *parent = nullptr)
         : QObject(parent)
-    {
-    }
+    { }
     ~CwKeyControlAbstract() override = default;
 
     // Paddle state of `transmitter` from source `src`: dash and dot contact
