@@ -25,4 +25,11 @@ if [ -n "${DISPLAY:-}" ]; then
     exec "$HOST" --screenshots "$OUT" --settings "$OUT/host.ini" "$@"
 fi
 echo "== scripted session (offscreen); screenshots in $OUT"
+# The options page lists serial ports and Qt opens every 8250 UART it lists to
+# probe it; a headless session has no use for them, so the test build's pty
+# guard keeps it away from the machine's own serial ports.
+GUARD="$ROOT/build-release/tests/support/libdialix_ptylines.so"
+if [ -f "$GUARD" ]; then
+    export LD_PRELOAD="$GUARD${LD_PRELOAD:+:$LD_PRELOAD}"
+fi
 QT_QPA_PLATFORM=offscreen "$HOST" --script --screenshots "$OUT" --settings "$OUT/host.ini" "$@"
