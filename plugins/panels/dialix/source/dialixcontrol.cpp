@@ -11,6 +11,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDebug>
 #include <QDial>
 #include <QMenu>
 #include <QMessageBox>
@@ -35,6 +36,24 @@ constexpr quint32 PanelSource = 1;
 // PTT transfer modes (cbPttTransfer index).
 constexpr int PttToHost = 1;
 constexpr int PttToComPort = 2;
+
+// Runs one load of stored settings. A damaged file can hold a serialised value
+// ("@Variant(...)") whose length field makes Qt allocate without limit, and
+// QSettings::value() then throws std::bad_alloc; nothing may throw into the
+// host. What was read before stays, the rest keeps its state, and the settings
+// object is left in the group it was in.
+template<typename Load>
+void loadGuarded(QSettings &settings, const char *where, Load load)
+{
+    const QString group = settings.group();
+    try {
+        load();
+    } catch (const std::exception &e) {
+        qDebug() << where << e.what();
+        for (int depth = 0; depth < 8 && settings.group() != group; ++depth)
+            settings.endGroup();
+    }
+}
 
 } // namespace
 
@@ -1155,10 +1174,12 @@ void DialixControl::writeAssignments(QSettings &settings)
 
 void DialixControl::readAssignments(QSettings &settings)
 {
-    settings.beginGroup(groupName());
-    readGroups(settings, -1, true);
-    options->readOptionKeys(&settings);
-    settings.endGroup();
+    loadGuarded(settings, Q_FUNC_INFO, [&] {
+        settings.beginGroup(groupName());
+        readGroups(settings, -1, true);
+        options->readOptionKeys(&settings);
+        settings.endGroup();
+    });
 }
 
 void DialixControl::writeHostAssignments(QSettings &settings)
@@ -1171,10 +1192,12 @@ void DialixControl::writeHostAssignments(QSettings &settings)
 
 void DialixControl::readHostAssignments(QSettings &settings)
 {
-    settings.beginGroup(groupName());
-    readGroups(settings, 0, false);
-    options->readHostOptionKeys(&settings);
-    settings.endGroup();
+    loadGuarded(settings, Q_FUNC_INFO, [&] {
+        settings.beginGroup(groupName());
+        readGroups(settings, 0, false);
+        options->readHostOptionKeys(&settings);
+        settings.endGroup();
+    });
 }
 
 void DialixControl::writeGroups(QSettings &settings, int dialKeyOffset)
