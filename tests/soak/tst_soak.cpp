@@ -422,6 +422,12 @@ void SoakTest::brokenOptionsFile_data()
                       "Options\\Enable=maybe\nOptions\\Volume=99999999999\n"
                       "Options\\Receiver=-3\nOptions\\PttComName=/dev/ttyS0\n")
         << false << "NO" << false;
+    // A value serialised by QSettings whose length field is absurd: Qt's reader
+    // throws std::bad_alloc from QSettings::value().
+    QTest::newRow("serialised value of absurd length") << QByteArray::fromBase64(
+        "W0RpYWxpeDFdCkZ1bmN0aW9uQnV0dG9uMD1AVmFyaWFudChcMFwwXDBceGJvb2wpMlwwXDBcMFx4NSkKT3B0"
+        "aW9uc1xWb2x1bWU9QFZhcmlhbnQooM+jz6PPo4cyXDBcMFwwXHg5KQpPcHRpb25zXEVuYWJsZT1AVmFyaWFu"
+        "dChcMFwwXDBceDGkh87UCg==") << false << "NO" << false;
     QTest::newRow("one huge line") << QByteArray("[Dialix1]\nFunctionButton0=")
             + QByteArray(1 << 20, '7') + "\nOptions\\Enable=true\n"
                                    << false << "NO" << true;
