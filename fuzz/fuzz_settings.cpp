@@ -106,7 +106,9 @@ void checkOptions(QSettings &settings, bool ownFile, const QList<int> &before)
         const int got = controlState(key);
         if (!inRange(key, got))
             fail(ownFile ? "own file" : "host", key, -1, got);
-        if (key.type == OptionType::Text)
+        // The port name is only selected when listed; "PttComEnable" opens the
+        // port, and with no port to open the box is cleared again.
+        if (key.type == OptionType::Text || qstrcmp(key.key, "PttComEnable") == 0)
             continue;
         bool present = false;
         const std::optional<int> stored = plainValue(settings, key, &present);
