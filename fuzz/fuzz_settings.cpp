@@ -28,6 +28,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 #include <optional>
 
 namespace {
@@ -41,6 +42,26 @@ DialixOptions *page;
 DialixControl *control;
 #endif
 quint64 fileNumber = 0;
+
+// QSettings::value(), which throws std::bad_alloc for a serialised value of
+// absurd length; such a value counts as not plain.
+QVariant storedValue(QSettings &settings, const QString &key)
+{
+    try {
+        return settings.value(key);
+    } catch (const std::bad_alloc &) {
+        return QVariant();
+    }
+}
+
+bool hasKey(QSettings &settings, const QString &key)
+{
+    try {
+        return settings.contains(key);
+    } catch (const std::bad_alloc &) {
+        return true;
+    }
+}
 
 // The state of one control, as an int (check boxes 0/1, combo boxes their index).
 int controlState(const OptionKey &key)
@@ -75,10 +96,10 @@ bool inRange(const OptionKey &key, int value)
 std::optional<int> plainValue(QSettings &settings, const OptionKey &key, bool *present)
 {
     const QString name = QLatin1String(key.key);
-    *present = settings.contains(name);
+    *present = hasKey(settings, name);
     if (!*present)
         return std::nullopt;
-    const QVariant v = settings.value(name);
+    const QVariant v = storedValue(settings, name);
     if (v.userType() != QMetaType::QString)
         return std::nullopt;
     const QString text = v.toString();
@@ -134,9 +155,9 @@ void checkOptions(QSettings &settings, bool ownFile, const QList<int> &before)
 int expectedPosition(QSettings &settings, const QString &key, int count, bool *plain)
 {
     *plain = true;
-    if (!settings.contains(key))
+    if (!hasKey(settings, key))
         return 0;
-    const QVariant v = settings.value(key);
+    const QVariant v = storedValue(settings, key);
     static const QRegularExpression number(QStringLiteral("^[+-]?[0-9]{1,9}$"));
     if (v.userType() != QMetaType::QString || !number.match(v.toString()).hasMatch()) {
         *plain = false;
