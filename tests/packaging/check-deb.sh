@@ -79,8 +79,12 @@ fi
 # The session's options page lists serial ports, and Qt opens every 8250 UART it
 # lists to probe it: where the test build's pty guard exists, it keeps the
 # session away from this machine's own serial ports.
-GUARD="${DIALIX_TTY_GUARD:-$SRC/build/tests/support/libdialix_ptylines.so}"
-if [ -f "$GUARD" ]; then
+GUARD="${DIALIX_TTY_GUARD:-}"
+for g in "$(dirname "$DEB")/tests/support/libdialix_ptylines.so" \
+    "$SRC/build/tests/support/libdialix_ptylines.so"; do
+    [ -z "$GUARD" ] && [ -f "$g" ] && GUARD="$g"
+done
+if [ -n "$GUARD" ]; then
     export LD_PRELOAD="$GUARD${LD_PRELOAD:+:$LD_PRELOAD}"
 fi
 if [ -x "$SCRATCH/root/usr/bin/dialix-host" ]; then
