@@ -13,10 +13,13 @@
 #include <QCoreApplication>
 #include <QDebug>
 #include <QDial>
+#include <QFile>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSaveFile>
 #include <QSettings>
+#include <QTemporaryFile>
 
 #include <algorithm>
 
@@ -53,6 +56,29 @@ void loadGuarded(QSettings &settings, const char *where, Load load)
         for (int depth = 0; depth < 8 && settings.group() != group; ++depth)
             settings.endGroup();
     }
+}
+
+// The own file holds numbers, booleans and a port name; the plug-in never
+// writes a value in QSettings' serialised form ("@Variant(...)"). Qt decodes
+// such a value with QDataStream as soon as the file is read or rewritten, and a
+// damaged one can make Qt dereference a failed allocation: a crash that no
+// handler can stop. Returns the file's text without those lines (continued
+// lines joined first), or a null array when the file has none.
+QByteArray withoutSerialisedValues(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QByteArray text = file.readAll();
+    if (!text.contains("@Variant("))
+        return {};
+    text.replace("\\\r\n", "").replace("\\\n", "");
+    QByteArray clean;
+    for (const QByteArray &line : text.split('\n')) {
+        if (!line.contains("@Variant("))
+            clean += line + '\n';
+    }
+    return clean;
 }
 
 } // namespace
@@ -1152,13 +1178,30 @@ QString DialixControl::optionsFilePath()
 
 void DialixControl::saveOptions()
 {
+    // Lines the plug-in cannot have written go before QSettings rewrites the file.
+    const QByteArray clean = withoutSerialisedValues(optionsFilePath());
+    if (!clean.isNull()) {
+        QSaveFile file(optionsFilePath());
+        if (!file.open(QIODevice::WriteOnly) || file.write(clean) != clean.size() || !file.commit())
+            return; // the damaged file stays; file errors are not reported
+    }
     QSettings settings(optionsFilePath(), QSettings::IniFormat);
     writeAssignments(settings);
 }
 
 void DialixControl::loadOptions()
 {
-    QSettings settings(optionsFilePath(), QSettings::IniFormat);
+    const QByteArray clean = withoutSerialisedValues(optionsFilePath());
+    if (clean.isNull()) {
+        QSettings settings(optionsFilePath(), QSettings::IniFormat);
+        readAssignments(settings);
+        return;
+    }
+    // Read from a cleaned copy; the file itself is cleaned by the next save.
+    QTemporaryFile copy;
+    if (!copy.open() || copy.write(clean) != clean.size() || !copy.flush())
+        return;
+    QSettings settings(copy.fileName(), QSettings::IniFormat);
     readAssignments(settings);
 }
 
