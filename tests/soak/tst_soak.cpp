@@ -428,6 +428,13 @@ void SoakTest::brokenOptionsFile_data()
         "W0RpYWxpeDFdCkZ1bmN0aW9uQnV0dG9uMD1AVmFyaWFudChcMFwwXDBceGJvb2wpMlwwXDBcMFx4NSkKT3B0"
         "aW9uc1xWb2x1bWU9QFZhcmlhbnQooM+jz6PPo4cyXDBcMFwwXHg5KQpPcHRpb25zXEVuYWJsZT1AVmFyaWFu"
         "dChcMFwwXDBceDGkh87UCg==") << false << "NO" << false;
+    // A serialised polygon of absurd length: Qt's reader dereferences the failed
+    // allocation (a crash, not an exception) unless the line is never decoded.
+    QTest::newRow("serialised polygon of absurd length")
+        << QByteArray::fromBase64(
+               "W0RpYWxpeDFdLQr/9/RIAGU9QFZhcmlhbnQoXDBcMFwwXHhiN2wpMqSjz6PPwykKT3B0aW9ucw==")
+            + "\nFunctionButton0=1\n"
+        << false << "BU" << false;
     QTest::newRow("one huge line") << QByteArray("[Dialix1]\nFunctionButton0=")
             + QByteArray(1 << 20, '7') + "\nOptions\\Enable=true\n"
                                    << false << "NO" << true;
