@@ -2,6 +2,7 @@
 // press and one dial movement on the GUI thread, the latency from the panel's
 // report to the command message through the reader thread, and the rate of VFO
 // commands while the encoder reports as fast as it can.
+#include "bench/measure.h"
 #include "command/qrvcommand.h"
 #include "plugins/panels/dialix/source/dialixcontrol.h"
 #include "tools/virtualpanel/virtualpanel.h"
@@ -16,16 +17,9 @@
 #include <vector>
 
 namespace vp = VirtualPanel;
+using measure::percentile;
 
 namespace {
-
-double percentile(std::vector<double> v, double p)
-{
-    if (v.empty())
-        return 0;
-    std::sort(v.begin(), v.end());
-    return v[std::min(v.size() - 1, size_t(p / 100.0 * double(v.size())))];
-}
 
 template<typename Pred>
 bool serveUntil(Pred done, int timeoutMs)

@@ -1,6 +1,7 @@
 // Figures of the panel device over the virtual panel: report-to-slot latency
 // against a bare queued signal, a 1 kHz report stream, the saturation rate and
 // the CPU of an open panel (idle, and with every read failing).
+#include "bench/measure.h"
 #include "plugins/panels/dialix/source/dialix.h"
 #include "tools/virtualpanel/virtualpanel.h"
 
@@ -11,8 +12,6 @@
 #include <QJsonObject>
 #include <QThread>
 #include <QTimer>
-
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <atomic>
@@ -25,6 +24,8 @@
 #include <vector>
 
 namespace vp = VirtualPanel;
+using measure::CpuMeter;
+using measure::percentile;
 using Clock = std::chrono::steady_clock;
 
 namespace {
@@ -35,40 +36,12 @@ qint64 nowNs()
         .count();
 }
 
-double processCpuSeconds()
-{
-    rusage usage {};
-    getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
-        + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
-
-// CPU use of the whole process over a stretch of wall time, in percent of one core.
-struct CpuMeter
-{
-    double cpu = processCpuSeconds();
-    Clock::time_point wall = Clock::now();
-    double percent() const
-    {
-        const double seconds = std::chrono::duration<double>(Clock::now() - wall).count();
-        return 100.0 * (processCpuSeconds() - cpu) / seconds;
-    }
-};
-
 // Serves the main thread's events until `done` holds.
 template<typename Pred>
 void serveUntil(Pred done)
 {
     while (!done())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents);
-}
-
-double percentile(std::vector<double> v, double p)
-{
-    if (v.empty())
-        return 0;
-    std::sort(v.begin(), v.end());
-    return v[std::min(v.size() - 1, size_t(p / 100.0 * double(v.size())))];
 }
 
 // One event in flight at a time: the driver stamps and fires, the slot on the

@@ -12,6 +12,7 @@
 // Prints a readable table and one JSON line {"bench":"plugin","metrics":[...]}.
 // BENCH_SCALE (default 1) scales the measuring times.
 
+#include "bench/measure.h"
 #include "interfaces/dialixabstract.h"
 #include "tools/virtualpanel/virtualpanel.h"
 
@@ -30,8 +31,6 @@
 #include <QVBoxLayout>
 #include <QWidget>
 
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -41,6 +40,9 @@
 #include <vector>
 
 namespace vp = VirtualPanel;
+using measure::CpuMeter;
+using measure::percentile;
+using measure::residentKb;
 using Clock = std::chrono::steady_clock;
 
 namespace {
@@ -81,52 +83,6 @@ void add(const QString &name, double value, const QString &unit, const QString &
          double floor = -1, double limit = -1)
 {
     metrics.push_back({name, value, unit, floor, limit, note});
-}
-
-// Process CPU time (all threads) against wall time.
-class CpuMeter
-{
-public:
-    CpuMeter() { reset(); }
-    void reset()
-    {
-        cpu0 = cpuSeconds();
-        wall0 = Clock::now();
-    }
-    double percent() const
-    {
-        const double wall = std::chrono::duration<double>(Clock::now() - wall0).count();
-        return wall > 0 ? 100.0 * (cpuSeconds() - cpu0) / wall : 0;
-    }
-
-private:
-    static double cpuSeconds()
-    {
-        rusage u {};
-        getrusage(RUSAGE_SELF, &u);
-        return double(u.ru_utime.tv_sec + u.ru_stime.tv_sec)
-            + double(u.ru_utime.tv_usec + u.ru_stime.tv_usec) / 1e6;
-    }
-    double cpu0 = 0;
-    Clock::time_point wall0;
-};
-
-long residentKb()
-{
-    QFile f(QStringLiteral("/proc/self/statm"));
-    if (!f.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> parts = f.readAll().split(' ');
-    return parts.size() > 1 ? parts[1].toLong() * 4 : 0;
-}
-
-double percentile(std::vector<double> v, double p)
-{
-    if (v.empty())
-        return 0;
-    std::sort(v.begin(), v.end());
-    const size_t i = std::min(v.size() - 1, size_t(p / 100.0 * double(v.size())));
-    return v[i];
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 // CI runs in a few seconds; 1 is the long form (1000 hot-plug cycles, a minute
 // of garbage).
 
+#include "bench/measure.h"
 #include "interfaces/dialixabstract.h"
 #include "tools/virtualpanel/virtualpanel.h"
 
@@ -28,6 +29,7 @@
 #include <thread>
 
 namespace vp = VirtualPanel;
+using measure::residentKb;
 
 namespace {
 
@@ -45,15 +47,6 @@ int threadCount()
     return QDir(QStringLiteral("/proc/self/task"))
         .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
         .size();
-}
-
-long residentKb()
-{
-    QFile f(QStringLiteral("/proc/self/statm"));
-    if (!f.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> parts = f.readAll().split(' ');
-    return parts.size() > 1 ? parts[1].toLong() * 4 : 0;
 }
 
 // The sanitizers' allocators keep freed memory resident (ASan's quarantine,
