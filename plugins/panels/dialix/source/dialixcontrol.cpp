@@ -364,8 +364,10 @@ void DialixControl::onButton(Dialix::Buttons button, bool state)
         &DialixControl::Key13, &DialixControl::Key14,
     };
     const int n = int(button);
-    if (n >= Dialix::Key1 && n <= Dialix::Key14)
-        (this->*keys[n - Dialix::Key1])(state);
+    if (n >= Dialix::Key1 && n <= Dialix::Key14) {
+        const Slot slot = keys[n - Dialix::Key1];
+        (this->*slot)(state);
+    }
 }
 
 void DialixControl::onDialButton(Dialix::DialButtons button, bool state)
@@ -532,14 +534,16 @@ void DialixControl::runButtonFunction(int id)
 {
     if (id < 1 || id >= dialix::ButtonFunctionCount)
         return;
-    (this->*buttonHandlers[id])();
+    const ButtonHandler handler = buttonHandlers[id];
+    (this->*handler)();
 }
 
 void DialixControl::runDialFunction(int id, int value)
 {
     if (id < 1 || id >= dialix::DialFunctionCount)
         return;
-    (this->*dialHandlers[id])(value);
+    const DialHandler handler = dialHandlers[id];
+    (this->*handler)(value);
 }
 
 void DialixControl::onDdsValue(QVariant value)
