@@ -196,7 +196,9 @@ void DialixControl::buildButtonMenus()
         buttonMenus.append(menu);
         buttonGroups.append(group);
 
-        if (auto *button = options->findChild<QPushButton *>(QStringLiteral("pbFunc%1").arg(k))) {
+        auto *button = options->findChild<QPushButton *>(QStringLiteral("pbFunc%1").arg(k));
+        funcButtons.append(button);
+        if (button) {
             button->setMenu(menu);
             button->setToolTip(dialix::buttonFunctionText(0));
         }
@@ -223,7 +225,9 @@ void DialixControl::buildDialMenus()
         dialMenus.append(menu);
         dialGroups.append(group);
 
-        if (auto *button = options->findChild<QPushButton *>(QStringLiteral("pbDial%1").arg(j))) {
+        auto *button = options->findChild<QPushButton *>(QStringLiteral("pbDial%1").arg(j));
+        dialButtons.append(button);
+        if (button) {
             button->setMenu(menu);
             button->setToolTip(dialix::dialFunctionText(0));
             // Dial 0 is the VFO encoder: it has no assignable function.
@@ -500,7 +504,7 @@ void DialixControl::Enc3(int Val)
 
 void DialixControl::functionButton(int n, bool pressed)
 {
-    auto *button = options->findChild<QPushButton *>(QStringLiteral("pbFunc%1").arg(n));
+    QPushButton *button = funcButtons.value(n - 1);
     if (!pressed) {
         // Functions act on the press; a release only ends the highlight.
         if (button) {
@@ -518,15 +522,13 @@ void DialixControl::functionButton(int n, bool pressed)
 
 void DialixControl::functionDial(int j, int value)
 {
-    if (auto *button = options->findChild<QPushButton *>(QStringLiteral("pbDial%1").arg(j))) {
+    if (QPushButton *button = dialButtons.value(j)) {
         button->setCheckable(true);
         button->setChecked(true);
     }
     // The button stays lit until DialReleaseMs after the last movement.
-    if (QTimer *release = options->timers.value(j)) {
-        release->stop();
-        release->start(DialReleaseMs);
-    }
+    if (QTimer *release = options->timers.value(j))
+        release->start(DialReleaseMs); // restarts a running timer
     runDialFunction(checkedPosition(dialGroups.value(j)), value);
 }
 
@@ -1150,7 +1152,7 @@ void DialixControl::changedFunctionButton(QAction *action)
     if (k < 0)
         return;
     const int f = checkedPosition(group);
-    if (auto *button = options->findChild<QPushButton *>(QStringLiteral("pbFunc%1").arg(k + 1))) {
+    if (QPushButton *button = funcButtons.value(k)) {
         button->setText(dialix::buttonFunctionShortText(f));
         button->setToolTip(dialix::buttonFunctionText(f));
     }
@@ -1164,7 +1166,7 @@ void DialixControl::changedFunctionDial(QAction *action)
     if (k < 0)
         return;
     const int f = checkedPosition(group);
-    if (auto *button = options->findChild<QPushButton *>(QStringLiteral("pbDial%1").arg(k))) {
+    if (QPushButton *button = dialButtons.value(k)) {
         button->setText(dialix::dialFunctionShortText(f));
         button->setToolTip(dialix::dialFunctionText(f));
     }

@@ -18,6 +18,7 @@
 class QAction;
 class QActionGroup;
 class QMenu;
+class QPushButton;
 class QSettings;
 class qrvCommand;
 
@@ -239,6 +240,10 @@ private:
     QList<QMenu *> dialMenus;
     QList<QActionGroup *> buttonGroups;
     QList<QActionGroup *> dialGroups;
+    // The page's "pbFunc1" ... "pbFunc17" and "pbDial0" ... "pbDial3", looked up
+    // once while the menus are built (null where the page lacks one or is gone).
+    QList<QPointer<QPushButton>> funcButtons;
+    QList<QPointer<QPushButton>> dialButtons;
     QPointer<DeviceManagerAbstract> deviceManager;
     bool dashState = false;
     bool dotState = false;
