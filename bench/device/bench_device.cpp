@@ -204,15 +204,20 @@ int main(int argc, char **argv)
                            "whole process, the simulated panel's thread included"});
     }
 
+    // A backlog of reports, each changing one key, for the saturation runs.
+    const auto queueBacklog = [&](int reports) {
+        quint32 word = 0;
+        for (int i = 0; i < reports; ++i) {
+            word ^= 1u << (i % 15);
+            vp::queueReport(panel, vp::makeReport(word));
+        }
+    };
+
     // Saturation: a backlog of reports read as fast as the loop goes, every edge
     // handled on the main thread.
     {
         constexpr int Reports = 100000;
-        quint32 word = 0;
-        for (int i = 0; i < Reports; ++i) {
-            word ^= 1u << (i % 15);
-            vp::queueReport(panel, vp::makeReport(word));
-        }
+        queueBacklog(Reports);
         Dialix device;
         QObject receiver;
         int edges = 0;
@@ -235,11 +240,7 @@ int main(int argc, char **argv)
     {
         // The reader alone: the same backlog with nothing connected.
         constexpr int Reports = 100000;
-        quint32 word = 0;
-        for (int i = 0; i < Reports; ++i) {
-            word ^= 1u << (i % 15);
-            vp::queueReport(panel, vp::makeReport(word));
-        }
+        queueBacklog(Reports);
         Dialix device;
         const auto started = Clock::now();
         device.findDevices();
