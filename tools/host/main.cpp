@@ -6,7 +6,9 @@
 //
 // --script plays a scripted operator session, prints every command the
 // plug-in sends and every LED change, saves screenshots and exits (0 when all
-// went through).
+// went through). Without it the host runs until its window is closed or it gets
+// SIGTERM or SIGINT; either way it closes the panels as the real host does. The
+// plug-in's tabs are printed whenever their number changes.
 
 #include "hostwindow.h"
 #include "pluginhost.h"
@@ -26,6 +28,11 @@
 #include <QSettings>
 #include <QTextStream>
 
+#include <QTabWidget>
+#include <QTimer>
+
+#include <atomic>
+#include <csignal>
 #include <cstdio>
 #include <vector>
 
@@ -49,6 +56,12 @@ void quietHandler(QtMsgType type, const QMessageLogContext &context, const QStri
 void print(const QString &kind, const QString &line)
 {
     out() << kind.leftJustified(8) << line << Qt::endl;
+}
+
+std::atomic<bool> stopRequested {false};
+extern "C" void requestStop(int)
+{
+    stopRequested.store(true);
 }
 
 } // namespace
@@ -199,6 +212,26 @@ int main(int argc, char *argv[])
 
     window.show();
     showPanels();
+
+    // A stop request ends the event loop like closing the window; the tab
+    // titles are printed whenever their number changes.
+    std::signal(SIGTERM, requestStop);
+    std::signal(SIGINT, requestStop);
+    QTimer watch;
+    int tabCount = -1;
+    QObject::connect(&watch, &QTimer::timeout, &app, [&] {
+        if (stopRequested.load())
+            app.quit();
+        auto *tabs = window.findChild<QTabWidget *>(QStringLiteral("DialixmainTab"));
+        if (!tabs || tabs->count() == tabCount)
+            return;
+        tabCount = tabs->count();
+        QStringList titles;
+        for (int i = 0; i < tabCount; ++i)
+            titles << tabs->tabText(i);
+        print(QStringLiteral("tabs"), titles.join(QStringLiteral(", ")));
+    });
+    watch.start(20);
 
     int result = 0;
     Session *session = nullptr;
