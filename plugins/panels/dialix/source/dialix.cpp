@@ -106,7 +106,15 @@ qint32 Dialix::closeDevice()
     loop.exec();
 
     // An event handled in the loop above may have closed the panel already.
-    if (!running.exchange(false))
+    // The flag changes under the queue's lock, so that a reader waiting in
+    // waitForWrites() cannot miss the wake-up.
+    bool wasRunning = false;
+    {
+        std::lock_guard<std::mutex> lock(queueMutex);
+        wasRunning = running.exchange(false);
+    }
+    queueCondition.notify_all();
+    if (!wasRunning)
         return Closed;
     wait();
     // Pairs with the lock that ends run(): everything the reader did is ordered
@@ -155,9 +163,10 @@ void Dialix::processReport(const unsigned char *data, int length)
 void Dialix::waitForWrites(std::chrono::steady_clock::time_point deadline)
 {
     // Sleeps until the deadline, but wakes at once for a queued report, which
-    // always goes out before the next read.
+    // always goes out before the next read, and for closeDevice().
     std::unique_lock<std::mutex> lock(queueMutex);
-    queueCondition.wait_until(lock, deadline, [this] { return !writeQueue.isEmpty(); });
+    queueCondition.wait_until(lock, deadline,
+                              [this] { return !writeQueue.isEmpty() || !running.load(); });
 }
 
 void Dialix::run()
@@ -187,10 +196,12 @@ void Dialix::run()
         if (got == ReportSize) {
             processReport(inputBuffer, got);
         } else if (got < 0) {
-            // An unplugged panel fails every read at once. The error is ignored
-            // (the owner closes the panel), but the loop keeps its 5 ms pace
-            // instead of spinning on the failing handle.
-            waitForWrites(started + std::chrono::milliseconds(ReadTimeoutMs));
+            // An unplugged panel fails every read at once, for good. The error
+            // is ignored (the owner closes the panel), but the loop slows down
+            // to one read per FailedReadPaceMs: at a 5 ms pace a failing handle
+            // costs several percent of a core on a slow machine. LED reports
+            // and closeDevice() still wake it at once.
+            waitForWrites(started + std::chrono::milliseconds(FailedReadPaceMs));
         }
     }
     std::lock_guard<std::mutex> lock(queueMutex); // see closeDevice()
