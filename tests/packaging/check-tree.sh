@@ -49,12 +49,13 @@ for image in $(grep -o '](images/[^)]*)' "$ROOT/$doc/guide.md" 2>/dev/null | sed
     [ -f "$ROOT/$doc/$image" ] || fail "the guide shows $image, which is not installed"
 done
 
-# The rule matches the ids the panel class opens, in lower-case hex.
-vendor=$(sed -n 's/.*VendorId = 0x\([0-9A-Fa-f]*\);.*/\1/p' "$SRC/plugins/panels/dialix/source/dialix.h" | tr 'A-F' 'a-f')
-product=$(sed -n 's/.*ProductId = 0x\([0-9A-Fa-f]*\);.*/\1/p' "$SRC/plugins/panels/dialix/source/dialix.h" | tr 'A-F' 'a-f')
+# The rule matches the ids the panel class opens, as the kernel names the HID
+# device: bus 0003 (USB), vendor and product in upper-case hex.
+vendor=$(sed -n 's/.*VendorId = 0x\([0-9A-Fa-f]*\);.*/\1/p' "$SRC/plugins/panels/dialix/source/dialix.h" | tr 'a-f' 'A-F')
+product=$(sed -n 's/.*ProductId = 0x\([0-9A-Fa-f]*\);.*/\1/p' "$SRC/plugins/panels/dialix/source/dialix.h" | tr 'a-f' 'A-F')
 [ -n "$vendor" ] && [ -n "$product" ] || fail "cannot read the panel's ids from dialix.h"
 active=$(grep -v '^[[:space:]]*#' "$ROOT/$rule" 2>/dev/null | grep 'hidraw')
-for want in 'KERNEL=="hidraw\*"' "ATTRS{idVendor}==\"$vendor\"" "ATTRS{idProduct}==\"$product\"" 'TAG+="uaccess"'; do
+for want in 'KERNEL=="hidraw\*"' "KERNELS==\"0003:$vendor:$product\.\*\"" 'TAG+="uaccess"'; do
     grep -q "$want" <<<"$active" || fail "the rule lacks $want"
 done
 
