@@ -103,6 +103,8 @@ private slots:
     void ledsLightOneAfterTheOther();
     void classifyOpenFailure_data();
     void classifyOpenFailure();
+    void reportDescriptors_data();
+    void reportDescriptors();
     void everyExitCodeIsDocumented();
     void executables_data();
     void executables();
@@ -140,7 +142,7 @@ void TestProbe::exitCodes_data()
         << device << "Writing the LED report failed: hid_write: write failed";
     QTest::newRow("unknown option") << "plug A" << QStringList{"--bogus"} << usage << "Try --help.";
     QTest::newRow("two modes") << "plug A" << QStringList{"--list", "--leds"} << usage
-        << "dialix-probe: choose one of --list, --events and --leds";
+        << "dialix-probe: choose one of --list, --events, --leds and --descriptor";
     // clang-format on
 }
 
@@ -326,6 +328,40 @@ void TestProbe::classifyOpenFailure()
     QFETCH(QString, hidError);
     QFETCH(probe::Access, expected);
     QCOMPARE(probe::classifyOpenFailure(nodeErrno, hidError), expected);
+}
+
+void TestProbe::reportDescriptors_data()
+{
+    QTest::addColumn<QByteArray>("descriptor");
+    QTest::addColumn<QString>("layout"); // per report: id:input bytes/output bytes
+    QTest::addColumn<int>("warnings");
+
+    // Vendor page, 8-bit fields; the panel variants the kernel rig makes.
+    const QByteArray head = QByteArray::fromHex("0600ff0901a101");
+    const QByteArray bytes = QByteArray::fromHex("150026ff007508");
+    const QByteArray in16 = QByteArray::fromHex("951009018102"),
+                     out1 = QByteArray::fromHex("950109029102c0");
+    // clang-format off
+    QTest::newRow("17 bytes, no IDs") << head + bytes + QByteArray::fromHex("951109018102") + out1 << "0:17/1" << 0;
+    QTest::newRow("ID 1, 16 bytes") << head + QByteArray::fromHex("8501") + bytes + in16 + out1 << "1:16/1" << 0;
+    QTest::newRow("16 bytes, no IDs") << head + bytes + in16 + out1 << "0:16/1" << 1;
+    QTest::newRow("2-byte LED report, pushed size") << head + bytes + QByteArray::fromHex("951109018102a4751095010902910295017508b4") << "0:17/2" << 1;
+    QTest::newRow("no output report") << head + bytes + QByteArray::fromHex("951109018102c0") << "0:17/0" << 1;
+    QTest::newRow("truncated") << QByteArray::fromHex("0600") << "invalid" << 1;
+    // clang-format on
+}
+
+void TestProbe::reportDescriptors()
+{
+    QFETCH(QByteArray, descriptor);
+    QFETCH(QString, layout);
+    QFETCH(int, warnings);
+    const probe::DescriptorLayout parsed = probe::parseReportDescriptor(descriptor);
+    QStringList reports;
+    for (const probe::ReportLayout &r : parsed.reports)
+        reports << QStringLiteral("%1:%2/%3").arg(r.id).arg(r.inputBytes).arg(r.outputBytes);
+    QCOMPARE(parsed.valid ? reports.join(QLatin1Char(' ')) : QStringLiteral("invalid"), layout);
+    QCOMPARE(probe::descriptorWarnings(parsed).size(), warnings);
 }
 
 void TestProbe::everyExitCodeIsDocumented()

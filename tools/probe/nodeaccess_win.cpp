@@ -6,3 +6,9 @@ int nodeOpenError(const char *)
     // its error text ("Access is denied") tells the cases apart.
     return 0;
 }
+
+QByteArray readReportDescriptor(const char *)
+{
+    // hidapi 0.13 has no call for it on Windows.
+    return QByteArray();
+}

@@ -5,6 +5,7 @@
 
 #include <QCommandLineParser>
 #include <QElapsedTimer>
+#include <QHash>
 #include <QThread>
 
 #include <hidapi.h>
@@ -73,6 +74,7 @@ public:
     ExitCode list();
     ExitCode events(const QString &which, int count, qint64 durationMs, bool raw);
     ExitCode leds(const QString &which, int intervalMs);
+    ExitCode descriptor(const QString &which);
 
 private:
     QList<Panel> enumerate();
@@ -393,6 +395,61 @@ ExitCode Probe::leds(const QString &which, int intervalMs)
     return result;
 }
 
+ExitCode Probe::descriptor(const QString &which)
+{
+    const QList<Panel> panels = enumerate();
+    if (panels.isEmpty()) {
+        explainAbsent();
+        return ExitCode::NoPanel;
+    }
+    ExitCode result = ExitCode::NoPanel;
+    for (int i = 0; i < panels.size(); ++i) {
+        const Panel &panel = panels.at(i);
+        const QString path = QString::fromLocal8Bit(panel.path);
+        if (!which.isEmpty() && which != path && which != panel.serial
+            && which != QString::number(i + 1))
+            continue;
+        out << QStringLiteral("%1. %2\n").arg(i + 1).arg(path) << "   "
+            << tr("serial number: %1").arg(panel.serial) << '\n';
+        const QByteArray bytes = readReportDescriptor(panel.path.constData());
+        const DescriptorLayout layout = parseReportDescriptor(bytes);
+        if (bytes.isEmpty() || !layout.valid) {
+            err << tr("Cannot read the report descriptor of %1.").arg(path) << '\n';
+            result = ExitCode::DeviceError;
+            continue;
+        }
+        out << "   "
+            << (layout.numbered ? tr("report descriptor: %1 bytes, numbered reports")
+                                : tr("report descriptor: %1 bytes, no report IDs"))
+                   .arg(bytes.size())
+            << '\n';
+        for (const ReportLayout &report : layout.reports) {
+            const QString id = layout.numbered ? tr("report ID %1").arg(report.id) : tr("report");
+            if (report.inputBytes > 0)
+                out << "   "
+                    << tr("input %1: %2 bytes of data, a read returns %3 bytes")
+                           .arg(id)
+                           .arg(report.inputBytes)
+                           .arg(report.inputBytes + (layout.numbered ? 1 : 0))
+                    << '\n';
+            if (report.outputBytes > 0)
+                out << "   " << tr("output %1: %2 bytes of data").arg(id).arg(report.outputBytes)
+                    << '\n';
+        }
+        for (const QString &warning : descriptorWarnings(layout))
+            err << tr("Warning: %1").arg(warning) << '\n';
+        if (result != ExitCode::DeviceError)
+            result = ExitCode::Ok;
+    }
+    if (result == ExitCode::NoPanel)
+        err << tr("There is no panel '%1' (panels found: %2; see dialix-probe --list).")
+                   .arg(which)
+                   .arg(panels.size())
+            << '\n';
+    out.flush();
+    return result;
+}
+
 QString exitCodeHelp()
 {
     QString text = QCoreApplication::translate("Probe", "Exit codes:") + QLatin1Char('\n');
@@ -412,6 +469,94 @@ const ExitCodeInfo *exitCodes(int *count)
 {
     *count = int(sizeof exitCodeTable / sizeof exitCodeTable[0]);
     return exitCodeTable;
+}
+
+DescriptorLayout parseReportDescriptor(const QByteArray &descriptor)
+{
+    DescriptorLayout layout;
+    struct Globals
+    {
+        int id = 0;
+        int size = 0; // bits per field
+        int count = 0;
+    };
+    Globals globals;
+    QList<Globals> stack; // Push and Pop
+    QHash<int, int> inputBits, outputBits;
+    const auto use = [&layout](int id) {
+        for (const ReportLayout &report : qAsConst(layout.reports)) {
+            if (report.id == id)
+                return;
+        }
+        layout.reports.append(ReportLayout {id, 0, 0});
+    };
+    const int n = descriptor.size();
+    int at = 0;
+    while (at < n) {
+        const auto prefix = quint8(descriptor.at(at));
+        if (prefix == 0xFE) { // long item: size, tag, data
+            if (at + 2 >= n)
+                return layout;
+            at += 3 + quint8(descriptor.at(at + 1));
+            continue;
+        }
+        const int size = (prefix & 0x03) == 3 ? 4 : (prefix & 0x03);
+        if (at + size >= n && size > 0)
+            return layout;
+        quint32 value = 0;
+        for (int i = 0; i < size; ++i)
+            value |= quint32(quint8(descriptor.at(at + 1 + i))) << (8 * i);
+        at += 1 + size;
+        const int type = (prefix >> 2) & 0x03;
+        const int tag = prefix >> 4;
+        if (type == 1) { // global
+            if (tag == 7)
+                globals.size = int(value);
+            else if (tag == 8) {
+                globals.id = int(value);
+                layout.numbered = true;
+            } else if (tag == 9)
+                globals.count = int(value);
+            else if (tag == 10)
+                stack.append(globals);
+            else if (tag == 11 && !stack.isEmpty())
+                globals = stack.takeLast();
+        } else if (type == 0 && (tag == 8 || tag == 9)) { // Input, Output
+            use(globals.id);
+            (tag == 8 ? inputBits : outputBits)[globals.id] += globals.size * globals.count;
+        }
+    }
+    for (ReportLayout &report : layout.reports) {
+        report.inputBytes = (inputBits.value(report.id) + 7) / 8;
+        report.outputBytes = (outputBits.value(report.id) + 7) / 8;
+    }
+    layout.valid = n > 0;
+    return layout;
+}
+
+QStringList descriptorWarnings(const DescriptorLayout &layout)
+{
+    const auto tr = [](const char *text) {
+        return QCoreApplication::translate("Probe", text);
+    };
+    QStringList warnings;
+    bool output = false;
+    for (const ReportLayout &report : layout.reports) {
+        const int read = report.inputBytes + (layout.numbered ? 1 : 0);
+        if (report.inputBytes > 0 && read != Dialix::ReportSize)
+            warnings << tr("a read returns %1 bytes, not %2: the plug-in ignores these reports, "
+                           "so the panel's keys and dials do nothing.")
+                            .arg(read)
+                            .arg(Dialix::ReportSize);
+        output = output || report.outputBytes > 0;
+        if (report.outputBytes > 0 && report.outputBytes != Dialix::LedReportSize - 1)
+            warnings << tr("the output report has %1 bytes of data, not 1: the LEDs may not "
+                           "follow the plug-in's LED byte.")
+                            .arg(report.outputBytes);
+    }
+    if (!output)
+        warnings << tr("the panel declares no output report: its LEDs stay dark.");
+    return warnings;
 }
 
 Access classifyOpenFailure(int nodeErrno, const QString &hidError)
@@ -464,10 +609,14 @@ int runProbe(const QStringList &arguments, QTextStream &out, QTextStream &err,
     const QCommandLineOption intervalOption(
         {"i", "interval"}, tr("With --leds: how long each LED stays lit (default 700 ms)."),
         tr("ms"), QStringLiteral("700"));
+    const QCommandLineOption descriptorOption(
+        {"D", "descriptor"},
+        tr("Read each panel's report descriptor (no access to the panel needed), print its "
+           "report lengths and warn when they do not fit the plug-in."));
     const QCommandLineOption rawOption(
         {"r", "raw"}, tr("With --events: also print every report as read, in hex."));
     parser.addOptions({helpOption, versionOption, listOption, eventsOption, ledsOption, panelOption,
-                       countOption, durationOption, intervalOption, rawOption});
+                       countOption, durationOption, intervalOption, rawOption, descriptorOption});
 
     const auto usage = [&](const QString &message) {
         err << arguments.value(0, QStringLiteral("dialix-probe")) << ": " << message << '\n'
@@ -491,9 +640,9 @@ int runProbe(const QStringList &arguments, QTextStream &out, QTextStream &err,
         return int(ExitCode::Ok);
     }
     const int modes = int(parser.isSet(listOption)) + int(parser.isSet(eventsOption))
-        + int(parser.isSet(ledsOption));
+        + int(parser.isSet(ledsOption)) + int(parser.isSet(descriptorOption));
     if (modes > 1)
-        return usage(tr("choose one of --list, --events and --leds"));
+        return usage(tr("choose one of --list, --events, --leds and --descriptor"));
 
     bool ok = true;
     int count = 0;
@@ -520,6 +669,8 @@ int runProbe(const QStringList &arguments, QTextStream &out, QTextStream &err,
             probe.events(parser.value(panelOption), count, durationMs, parser.isSet(rawOption));
     else if (parser.isSet(ledsOption))
         result = probe.leds(parser.value(panelOption), intervalMs);
+    else if (parser.isSet(descriptorOption))
+        result = probe.descriptor(parser.value(panelOption));
     else
         result = probe.list();
     out.flush();

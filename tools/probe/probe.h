@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QByteArray>
 #include <QCoreApplication>
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <QTextStream>
@@ -9,8 +11,8 @@
 
 // dialix-probe: lists the Dialix panels, tells a panel that cannot be opened for
 // lack of rights apart from a missing one, shows the decoded events of a panel
-// live and lights its LEDs one after the other. The whole program is runProbe();
-// main() only adds the signal handler and the choice of hidapi back end.
+// live, lights its LEDs one after the other and checks its report descriptor. The whole program is
+// runProbe(); main() only adds the signal handler and the choice of hidapi back end.
 
 // The exit codes, one row each: name, value, what it means. This table drives
 // the enum, the --help text and the tests.
@@ -55,6 +57,27 @@ enum class Access {
 // strerror() in the user's language; the text is the fallback where there is
 // no node to open.
 Access classifyOpenFailure(int nodeErrno, const QString &hidError);
+
+// What a HID report descriptor declares, as far as the panel's reports go.
+struct ReportLayout
+{
+    int id = 0; // 0 where the device does not number its reports
+    int inputBytes = 0; // data bytes of the input report (without the ID)
+    int outputBytes = 0; // data bytes of the output report (without the ID)
+};
+struct DescriptorLayout
+{
+    bool valid = false; // false for an empty or truncated descriptor
+    bool numbered = false; // a Report ID item is present
+    QList<ReportLayout> reports; // in the order their IDs first appear
+};
+
+// Adds up the input and output fields of every report in `descriptor`.
+DescriptorLayout parseReportDescriptor(const QByteArray &descriptor);
+
+// The problems of a layout for the plug-in, one sentence each: a read that
+// would not return ReportSize bytes, an LED report that is not one byte.
+QStringList descriptorWarnings(const DescriptorLayout &layout);
 
 // Runs the probe with the command line `arguments` (arguments[0] is the program
 // name). Listings and events go to `out`, problems and their fixes to `err`.
