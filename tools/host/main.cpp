@@ -231,7 +231,7 @@ int main(int argc, char *argv[])
             titles << tabs->tabText(i);
         print(QStringLiteral("tabs"), titles.join(QStringLiteral(", ")));
     });
-    watch.start(20);
+    watch.start(100);
 
     int result = 0;
     Session *session = nullptr;

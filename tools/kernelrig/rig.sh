@@ -86,7 +86,7 @@ done | sort -u | while read -r lib; do
     cp -L "$lib" "$STAGE$lib"
 done
 printf 'root:x:0:0:root:/root:/bin/sh\noperator:x:1000:1000:operator:/tmp:/bin/sh\n' >"$STAGE/etc/passwd"
-printf 'root:x:0:\ndialout:x:20:\nplugdev:x:46:\noperator:x:1000:\n' >"$STAGE/etc/group"
+printf 'root:x:0:\ndialout:x:20:\nplugdev:x:46:operator\noperator:x:1000:\n' >"$STAGE/etc/group"
 # The modules in load order, each after what it depends on.
 : >"$STAGE/lib/rig/order"
 load() {
@@ -130,6 +130,9 @@ say "guest ran $((SECONDS - booted)) s (qemu exit $status)"
 # --- results ----------------------------------------------------------------
 tr -d '\r' <"$RUN/console.log" >"$RUN/guest.log" || true
 bash "$ROOT/tools/kernelrig/serial-figures.sh" "$RUN/guest.log" "$RUN/serial-trace.log" >>"$RUN/guest.log" || true
+# What the operator sees with two enabled tabs is what the guide tells.
+grep -q 'two enabled tabs would both act on every key press' "$ROOT/docs/guide.md"
+echo "RIG guide-two-controllers $([ $? = 0 ] && echo PASS || echo FAIL) docs/guide.md: two enabled tabs would both act on every key press" >>"$RUN/guest.log"
 grep -E '^(RIG|  )' "$RUN/guest.log" || true
 passed=$(grep -c '^RIG .* PASS' "$RUN/guest.log" || true)
 failed=$(grep -c '^RIG .* FAIL' "$RUN/guest.log" || true)

@@ -25,7 +25,7 @@
  *   mark V           writes V to the scratch register of the guest's second
  *                    UART (I/O port 0x2ff), where QEMU's serial_write trace
  *                    shows it: a time mark for the serial-line measurements
- *   hold             serve until SIGTERM or SIGINT
+ *   hold             print "hold", then serve until SIGTERM or SIGINT
  * The device is destroyed when the program ends; "destroyed" is printed then.
  */
 #include <errno.h>
@@ -252,6 +252,8 @@ int main(int argc, char **argv)
             status = mark((int)strtol(next, NULL, 0));
             ++i;
         } else if (strcmp(a, "hold") == 0) {
+            printf("hold\n");
+            fflush(stdout);
             status = serve(nowMs() + 24LL * 3600 * 1000, NULL, 0);
         } else {
             fprintf(stderr, "uhidpanel: bad action %s\n", a);
