@@ -433,7 +433,10 @@ ExitCode Probe::descriptor(const QString &which)
                            .arg(report.inputBytes + (layout.numbered ? 1 : 0))
                     << '\n';
             if (report.outputBytes > 0)
-                out << "   " << tr("output %1: %2 bytes of data").arg(id).arg(report.outputBytes)
+                out << "   "
+                    << (report.outputBytes == 1
+                            ? tr("output %1: 1 byte of data").arg(id)
+                            : tr("output %1: %2 bytes of data").arg(id).arg(report.outputBytes))
                     << '\n';
         }
         for (const QString &warning : descriptorWarnings(layout))
