@@ -173,6 +173,7 @@ void Dialix::run()
 {
     using Clock = std::chrono::steady_clock;
 
+    int failedReads = 0; // in a row
     while (running.load()) {
         // Every queued report is written before the next read, in queue order.
         for (;;) {
@@ -193,15 +194,20 @@ void Dialix::run()
 
         const auto started = Clock::now();
         const int got = hid_read_timeout(handle, inputBuffer, ReportSize, ReadTimeoutMs);
+        if (got >= 0)
+            failedReads = 0;
         if (got == ReportSize) {
             processReport(inputBuffer, got);
         } else if (got < 0) {
             // An unplugged panel fails every read at once, for good. The error
-            // is ignored (the owner closes the panel), but the loop slows down
-            // to one read per FailedReadPaceMs: at a 5 ms pace a failing handle
-            // costs several percent of a core on a slow machine. LED reports
-            // and closeDevice() still wake it at once.
-            waitForWrites(started + std::chrono::milliseconds(FailedReadPaceMs));
+            // is ignored (the owner closes the panel), but the loop does not
+            // spin: it keeps the 5 ms pace for a while, in case the error was a
+            // one-off, then slows down to one read per FailedReadPaceMs (at
+            // the 5 ms pace a failing handle costs several percent of a core on
+            // a slow machine). LED reports and closeDevice() wake it at once.
+            const int pace =
+                ++failedReads > FailedReadsBeforeBackOff ? FailedReadPaceMs : ReadTimeoutMs;
+            waitForWrites(started + std::chrono::milliseconds(pace));
         }
     }
     std::lock_guard<std::mutex> lock(queueMutex); // see closeDevice()

@@ -77,7 +77,8 @@ public:
     static constexpr int ReadTimeoutMs = 5; // longest wait for input per loop turn
     static constexpr int PopLimitMs = 2; // longest wait for a queued LED report
     static constexpr int CloseWaitMs = 10; // time given to the LED-off reports on close
-    static constexpr int FailedReadPaceMs = 100; // reads of a failing (unplugged) handle
+    static constexpr int FailedReadsBeforeBackOff = 20; // failed reads in a row at the 5 ms pace
+    static constexpr int FailedReadPaceMs = 100; // then: reads of a failing (unplugged) handle
 
     // LED mask bits (bit numbers for setLed()).
     enum LedBit {
