@@ -54,18 +54,18 @@ mark() {
     printf "\\$(printf %o $1)" | dd of=/dev/port bs=1 seek=767 conv=notrunc 2>/dev/null
     echo "RIG-MARK $1 $2"
 }
-# cputicks PID [THREAD-NAME]: user+system ticks of the process or its thread
+# cputicks PID [THREAD-NAME]: user+system ticks of the process, or of its
+# thread of that name
 cputicks() {
-    local t
-    for t in /proc/$1/task/*; do
-        [ -z "$2" ] || [ "$(cat $t/comm)" = "$2" ] || continue
-        cut -d')' -f2 $t/stat | awk '{s += $12 + $13} END {print s}'
-        return
-    done
+    local t stat=/proc/$1/stat
+    if [ -n "$2" ]; then
+        stat=
+        for t in /proc/$1/task/*; do [ "$(cat $t/comm)" = "$2" ] && stat=$t/stat; done
+    fi
+    [ -n "$stat" ] && cut -d')' -f2 $stat | awk '{print $12 + $13}'
 }
 uptime_cs() { awk '{printf "%d\n", $1 * 100}' /proc/uptime; }
 as_operator() { su -s /bin/sh operator -c "$*"; }
-
 
 # --- the probe: lists, permission versus absence ------------------------------
 if [ "${ONLY#* probe }" != "$ONLY" ]; then
