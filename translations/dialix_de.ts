@@ -2,6 +2,28 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
+    <name>ControlDialix</name>
+    <message>
+        <source>Dialix %1</source>
+        <translation>Dialix %1</translation>
+    </message>
+</context>
+<context>
+    <name>DialixControl</name>
+    <message>
+        <source>RX </source>
+        <translation>RX </translation>
+    </message>
+    <message>
+        <source>Failed to open </source>
+        <translation>Öffnen von </translation>
+    </message>
+    <message>
+        <source> for PTT transfer!</source>
+        <translation> für die PTT-Weiterleitung fehlgeschlagen!</translation>
+    </message>
+</context>
+<context>
     <name>DialixOptions</name>
     <message>
         <source>Form</source>

@@ -2,6 +2,28 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en" sourcelanguage="en">
 <context>
+    <name>ControlDialix</name>
+    <message>
+        <source>Dialix %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>DialixControl</name>
+    <message>
+        <source>RX </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Failed to open </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> for PTT transfer!</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>DialixOptions</name>
     <message>
         <source>Form</source>

@@ -3,6 +3,7 @@
 #include "tools/virtualpanel/virtualpanel.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
@@ -10,6 +11,7 @@
 #include <QJsonArray>
 #include <QLibrary>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPluginLoader>
 #include <QProcess>
 #include <QPushButton>
@@ -19,6 +21,7 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <memory>
@@ -87,6 +90,7 @@ private slots:
     void moxLightsTransmitLed();
     void setManagerBindsOnce();
     void channelCountReachesEveryController();
+    void germanLocaleTranslatesWhileLoaded();
     void tabWidgetBelongsToHost_data();
     void tabWidgetBelongsToHost();
 
@@ -403,6 +407,41 @@ void tst_ControlDialix::channelCountReachesEveryController()
     root->setChannels(0);
     QCOMPARE(receivers(0)->count(), 1);
     QCOMPARE(receivers(1)->count(), 1);
+}
+
+void tst_ControlDialix::germanLocaleTranslatesWhileLoaded()
+{
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    const bool loaded = load();
+    QLocale::setDefault(QLocale::system());
+    QVERIFY(loaded);
+    QCOMPARE(page(0)->findChild<QCheckBox *>(QStringLiteral("chbEnable"))->text(),
+             QStringLiteral("Aktivieren"));
+    auto *key1 = page(0)->findChild<QPushButton *>(QStringLiteral("pbFunc1"));
+    QVERIFY(findAction(key1->menu(), QStringLiteral("Band hoch")));
+
+    // The controller's own message: a PTT port that does not open.
+    QString message;
+    QTimer closer;
+    connect(&closer, &QTimer::timeout, this, [&message] {
+        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+            message = box->text();
+            box->done(QMessageBox::Ok);
+        }
+    });
+    closer.start(20);
+    page(0)->findChild<QComboBox *>(QStringLiteral("cbPttTransfer"))->setCurrentIndex(2);
+    auto *port = page(0)->findChild<QComboBox *>(QStringLiteral("cbPortName"));
+    port->addItem(QStringLiteral("/nonexistent/ttyDIALIX"));
+    port->setCurrentText(QStringLiteral("/nonexistent/ttyDIALIX"));
+    page(0)->findChild<QCheckBox *>(QStringLiteral("chbEnableComPort"))->setChecked(true);
+    QCOMPARE(message,
+             QStringLiteral("Öffnen von /nonexistent/ttyDIALIX für die PTT-Weiterleitung "
+                            "fehlgeschlagen!"));
+
+    // The texts live in the module: they go with its root.
+    delete root.data();
+    QCOMPARE(QCoreApplication::translate("DialixOptions", "Enable"), QStringLiteral("Enable"));
 }
 
 void tst_ControlDialix::tabWidgetBelongsToHost_data()

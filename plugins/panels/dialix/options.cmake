@@ -43,12 +43,18 @@ target_link_libraries(dialix_options PUBLIC Qt5::Widgets Qt5::SerialPort)
 dialix_warnings(dialix_options)
 
 # Refresh the .ts files from the sources: cmake --build <dir> --target dialix_lupdate
+# Every source of the plug-in with a visible text is listed: the options page and
+# its tables, the controller ("RX 1", the PTT port message) and the root (tab titles).
 add_custom_target(dialix_lupdate
     COMMAND Qt5::lupdate -no-obsolete -locations none
         ${DIALIX_OPTIONS_DIR}/dialixoptions.ui
         ${DIALIX_OPTIONS_DIR}/functiontable.h
         ${DIALIX_OPTIONS_DIR}/dialixoptions.cpp
         ${DIALIX_OPTIONS_DIR}/optionkeys.cpp
+        ${DIALIX_OPTIONS_DIR}/dialixcontrol.h
+        ${DIALIX_OPTIONS_DIR}/dialixcontrol.cpp
+        ${DIALIX_OPTIONS_DIR}/controldialix.h
+        ${DIALIX_OPTIONS_DIR}/controldialix.cpp
         -ts ${DIALIX_TS_FILES}
     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
     COMMENT "Updating the translation sources"

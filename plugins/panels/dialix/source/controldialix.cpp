@@ -7,6 +7,7 @@
 #include "plugins/panels/dialix/source/devicewatcher.h"
 #include "plugins/panels/dialix/source/dialixcontrol.h"
 #include "plugins/panels/dialix/source/dialixoptions.h"
+#include "plugins/panels/dialix/source/dialixtranslation.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -72,6 +73,9 @@ void giveCwKey(DialixControl &controller, CwKeyControlAbstract *key)
 ControlDialix::ControlDialix()
     : DialixAbstract(nullptr)
 {
+    // Every text of the pages built below is looked up in the operator's
+    // language: the system's, unless the host has set a default locale of its own.
+    installDialixTranslator(QLocale());
     setObjectName(QStringLiteral("ControlDialix"));
 
     // The panel's events are queued from its reader thread.
@@ -116,6 +120,8 @@ ControlDialix::~ControlDialix()
         delete tabWidget.data();
     if (QCoreApplication *app = QCoreApplication::instance())
         app->removeNativeEventFilter(this);
+    // The translations live in this library, which the host may unload next.
+    removeDialixTranslator();
 }
 
 QString ControlDialix::name() const

@@ -11,19 +11,18 @@ static void initTranslationResource()
     Q_INIT_RESOURCE(dialix_translations);
 }
 
+namespace {
+QPointer<QTranslator> installed;
+} // namespace
+
 bool installDialixTranslator(const QLocale &locale)
 {
-    static QPointer<QTranslator> installed;
-
     QCoreApplication *app = QCoreApplication::instance();
     if (!app)
         return false;
     initTranslationResource();
 
-    if (installed) {
-        QCoreApplication::removeTranslator(installed);
-        delete installed;
-    }
+    removeDialixTranslator();
     auto *translator = new QTranslator(app);
     if (!translator->load(locale, QStringLiteral("dialix"), QStringLiteral("_"),
                           QStringLiteral(":/dialix/translations"))) {
@@ -33,4 +32,12 @@ bool installDialixTranslator(const QLocale &locale)
     QCoreApplication::installTranslator(translator);
     installed = translator;
     return true;
+}
+
+void removeDialixTranslator()
+{
+    if (!installed)
+        return;
+    QCoreApplication::removeTranslator(installed);
+    delete installed;
 }

@@ -9,4 +9,9 @@
 // locale; the texts then stay English.
 bool installDialixTranslator(const QLocale &locale = QLocale::system());
 
+// Takes the translator of installDialixTranslator() off the application again
+// and deletes it. Its texts live in this library, so it must go before the
+// library is unloaded. Does nothing when none is installed.
+void removeDialixTranslator();
+
 #endif // DIALIX_DIALIXTRANSLATION_H
