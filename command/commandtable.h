@@ -377,4 +377,45 @@ const Method *encoderFor(int id, int elementCount);
 // Messages that the dispatcher drops are described as such.
 QString describe(const QVariant &message);
 
+// The panel's change-over requests, by encoder: the panel does not know the
+// state these switch (transmit, tune, the sub-receiver), so it always sends the
+// flag false and the host changes the state over. Logs show them as such.
+inline constexpr const char *changeOverRequests[] = {"panelEnableVFOB", "panelMox", "panelTone"};
+
+namespace detail {
+constexpr bool sameName(const char *a, const char *b)
+{
+    while (*a && *a == *b) {
+        ++a;
+        ++b;
+    }
+    return *a == *b;
+}
+
+// Every change-over request is an encoder whose last parameter is a bool.
+constexpr bool changeOverRequestsCarryAFlag()
+{
+    for (const char *name : changeOverRequests) {
+        bool found = false;
+        for (const Method &m : encoders)
+            found = found
+                || (sameName(m.name, name) && m.argc > 0
+                    && sameName(m.params[m.argc - 1].type, "bool"));
+        if (!found)
+            return false;
+    }
+    return true;
+}
+static_assert(changeOverRequestsCarryAFlag(), "a change-over request needs its bool flag");
+} // namespace detail
+
+constexpr bool isChangeOverRequest(const Method &method)
+{
+    for (const char *name : changeOverRequests) {
+        if (detail::sameName(method.name, name))
+            return true;
+    }
+    return false;
+}
+
 } // namespace qrv

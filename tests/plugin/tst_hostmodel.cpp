@@ -27,14 +27,20 @@ void tst_HostModel::commandText_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("band up") << QVariant(QVariantList {110, 0u}) << "Band Up rx 0";
     QTest::newRow("digits stay with their word")
-        << QVariant(QVariantList {141, 1u}) << "Nb1 Change rx 1";
+        << QVariant(QVariantList {141, 1u}) << "NB1 Change rx 1";
     QTest::newRow("acronym") << QVariant(QVariantList {143, 0u, 1u, -3}) << "VFO rx 0 ch 1 step -3";
-    QTest::newRow("acronym after a word")
-        << QVariant(QVariantList {145, 0u, false}) << "Enable VFOB rx 0 state off";
     QTest::newRow("no arguments") << QVariant(QVariantList {109}) << "Device Changed";
     QTest::newRow("not a panel command")
-        << QVariant(QVariantList {25, 0u, 1u, -4}) << "Rx Agc Gain id 0 ch 1 dB -4";
-    QTest::newRow("tranceiver") << QVariant(QVariantList {158, 2u}) << "Mox Voice Play trx 2";
+        << QVariant(QVariantList {25, 0u, 1u, -4}) << "RX AGC Gain id 0 ch 1 dB -4";
+    QTest::newRow("tranceiver") << QVariant(QVariantList {158, 2u}) << "MOX Voice Play trx 2";
+    // The panel's change-over requests: their flag is always false.
+    QTest::newRow("MOX") << QVariant(QVariantList {146, 0u, false}) << "MOX (toggle) rx 0";
+    QTest::newRow("SubRX") << QVariant(QVariantList {145, 0u, false})
+                           << "Enable VFOB (toggle) rx 0";
+    QTest::newRow("flag that is not the panel's")
+        << QVariant(QVariantList {146, 0u, true}) << "MOX (toggle) rx 0 state on";
+    QTest::newRow("a state that is set")
+        << QVariant(QVariantList {3, 0u, false}) << "MOX ch 0 state off";
 }
 
 void tst_HostModel::commandText()

@@ -6,7 +6,18 @@
 
 namespace {
 
-// "panelNb1Change" -> "Nb1 Change", "panelVFO" -> "VFO", "rxAgcGain" -> "Rx Agc Gain".
+// Words that operators write in capitals.
+const QStringList acronyms {"ADC", "AGC", "ANF", "BIN", "CTCSS", "CW",  "FFT", "IF", "IQ",
+                            "MOX", "NB1", "NB2", "NR",  "PA",    "PTT", "RIT", "RX", "SQL",
+                            "SSB", "SWR", "TRX", "TX",  "VAC",   "VFO", "VOX", "XIT"};
+
+QString capitals(const QString &word)
+{
+    const QString upper = word.toUpper();
+    return acronyms.contains(upper) ? upper : word;
+}
+
+// "panelNb1Change" -> "NB1 Change", "panelVFO" -> "VFO", "rxAgcGain" -> "RX AGC Gain".
 QString words(QString name)
 {
     if (name.startsWith(QLatin1String("panel")) && name.size() > 5)
@@ -21,7 +32,10 @@ QString words(QString name)
             out += QLatin1Char(' ');
         out += out.isEmpty() ? c.toUpper() : c;
     }
-    return out;
+    QStringList list = out.split(QLatin1Char(' '));
+    for (QString &word : list)
+        word = capitals(word);
+    return list.join(QLatin1Char(' '));
 }
 
 QString label(const char *param)
@@ -56,7 +70,14 @@ QString commandText(const QVariant &message)
     if (!m)
         return qrv::describe(message);
     QStringList parts {words(QLatin1String(m->name))};
-    for (int i = 0; i < m->argc && i + 1 < list.size(); ++i)
+    int shown = m->argc;
+    if (qrv::isChangeOverRequest(*m)) {
+        parts << QStringLiteral("(toggle)");
+        // The flag says nothing while it is the panel's fixed "false".
+        if (list.size() > m->argc && !list.at(m->argc).toBool())
+            --shown;
+    }
+    for (int i = 0; i < shown && i + 1 < list.size(); ++i)
         parts << label(m->params[i].name) << value(list.at(i + 1));
     return parts.join(QLatin1Char(' '));
 }
