@@ -6,9 +6,16 @@
 //
 // --script plays a scripted operator session, prints every command the
 // plug-in sends and every LED change, saves screenshots and exits (0 when all
-// went through). Without it the host runs until its window is closed or it gets
-// SIGTERM or SIGINT; either way it closes the panels as the real host does. The
-// plug-in's tabs are printed whenever their number changes.
+// went through). Without a display the host runs offscreen and plays the
+// session, since nobody could use its windows. Otherwise (or with a plug-in
+// that is not the virtual one) the host runs until its window is closed or it
+// gets SIGTERM or SIGINT; either way it closes the panels as the real host
+// does. The plug-in's tabs are printed whenever their number changes.
+//
+// By default the host loads the virtual-panel plug-in from where the package
+// installs it beside the program (or from the build tree), and keeps its
+// settings and screenshots in the user's folders (~/.config/dialix-host,
+// ~/Pictures/dialix-host).
 
 #include "hostwindow.h"
 #include "pluginhost.h"
@@ -26,9 +33,9 @@
 #include <QHash>
 #include <QPointer>
 #include <QSettings>
-#include <QTextStream>
-
+#include <QStandardPaths>
 #include <QTabWidget>
+#include <QTextStream>
 #include <QTimer>
 
 #include <atomic>
@@ -64,11 +71,40 @@ extern "C" void requestStop(int)
     stopRequested.store(true);
 }
 
+// The virtual-panel plug-in, relative to this program: where the package puts
+// it, then where the build tree has it.
+QString defaultPlugin()
+{
+    const QDir here(QApplication::applicationDirPath());
+    const QStringList candidates {
+#ifdef DIALIX_INSTALLED_PLUGIN
+        QStringLiteral(DIALIX_INSTALLED_PLUGIN),
+#endif
+        QStringLiteral(DIALIX_BUILD_PLUGIN)};
+    for (const QString &candidate : candidates) {
+        const QString path = QDir::cleanPath(here.filePath(candidate));
+        if (QFileInfo::exists(path))
+            return path;
+    }
+    return QDir::cleanPath(here.filePath(candidates.constFirst()));
+}
+
+// A file or folder of this user's, below one of the XDG locations.
+QString userPath(QStandardPaths::StandardLocation location, const QString &name)
+{
+    return QDir(QStandardPaths::writableLocation(location)).filePath(name);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
     defaultHandler = qInstallMessageHandler(quietHandler);
+
+    // No display to connect to (a console, ssh): run offscreen rather than fail.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
+        && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
 
     // QGuiApplication takes "-plugin" for its own generic plug-ins; ours must
     // not reach it.
@@ -93,23 +129,26 @@ int main(int argc, char *argv[])
     QCommandLineParser parser;
     parser.setApplicationDescription(QApplication::translate("main", "Dialix reference host"));
     parser.addHelpOption();
-    const QCommandLineOption pluginOption(
-        QStringLiteral("plugin"), QApplication::translate("main", "Plug-in file to load."),
-        QStringLiteral("path"), QStringLiteral(DIALIX_DEFAULT_PLUGIN));
+    const QCommandLineOption pluginOption(QStringLiteral("plugin"),
+                                          QApplication::translate("main", "Plug-in file to load."),
+                                          QStringLiteral("path"), defaultPlugin());
     const QCommandLineOption sessionOption(
         QStringLiteral("script"),
         QApplication::translate("main", "Play the scripted operator session and exit."));
     const QCommandLineOption shotsOption(
         QStringLiteral("screenshots"),
         QApplication::translate("main", "Directory for the session's screenshots."),
-        QStringLiteral("dir"), QStringLiteral("docs/images"));
+        QStringLiteral("dir"),
+        userPath(QStandardPaths::PicturesLocation, QStringLiteral("dialix-host")));
     const QCommandLineOption settingsOption(
         QStringLiteral("settings"), QApplication::translate("main", "The host's settings file."),
         QStringLiteral("file"),
-        QDir(QApplication::applicationDirPath()).filePath(QStringLiteral("host.ini")));
+        userPath(QStandardPaths::AppConfigLocation, QStringLiteral("host.ini")));
     parser.addOptions({pluginOption, sessionOption, shotsOption, settingsOption});
     parser.process(args);
-    const bool scripted = parser.isSet(sessionOption);
+    // Windows nobody sees cannot be used: offscreen, the host plays the session.
+    const bool scripted =
+        parser.isSet(sessionOption) || QApplication::platformName() == QLatin1String("offscreen");
 
     // The session starts from the plug-in's defaults: it forgets the panel
     // assignments that earlier runs left beside the host.
@@ -144,7 +183,9 @@ int main(int argc, char *argv[])
         VirtualPanel::unplug(firstPanel);
 
     HostWindow window(&host, virtualBus);
-    QSettings settings(parser.value(settingsOption), QSettings::IniFormat);
+    const QString settingsFile = parser.value(settingsOption);
+    QDir().mkpath(QFileInfo(settingsFile).absolutePath());
+    QSettings settings(settingsFile, QSettings::IniFormat);
     host.bind(window.pluginLayout(), &settings, 2);
 
     QObject::connect(

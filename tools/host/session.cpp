@@ -158,7 +158,11 @@ void Session::assign(int pageIndex, const QString &button, const QString &functi
 {
     QWidget *p = page(pageIndex);
     auto *b = p ? p->findChild<QPushButton *>(button) : nullptr;
-    QAction *action = b ? findAction(b->menu(), function) : nullptr;
+    // The menus speak the operator's language: the plug-in's translator, in this
+    // application, knows its labels under the context of its options page.
+    const QString label =
+        QCoreApplication::translate("DialixOptions", function.toLatin1().constData());
+    QAction *action = b ? findAction(b->menu(), label) : nullptr;
     if (!action) {
         failed << tr("cannot assign %1 to %2").arg(function, button);
         return;
