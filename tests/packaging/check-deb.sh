@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
 # Checks the Debian package: its control fields and dependencies, its maintainer
 # scripts, its contents (unpacked with dpkg-deb -x, then check-tree.sh), a run of
-# the installed reference host over the installed virtual-panel plug-in, and
-# lintian. Exits 1 on the first group of problems.
+# the installed reference host as an unprivileged user, and lintian. Exits 1 on the first group of problems.
 #   tests/packaging/check-deb.sh dialix_<version>_<arch>.deb
 set -euo pipefail
 HERE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
@@ -74,8 +73,11 @@ if grep -l ldconfig "$SCRATCH"/control/post* >&2; then
     fail "a maintainer script calls ldconfig"
 fi
 
-# The installed reference host plays its scripted session over the installed
-# virtual-panel plug-in (run paths and plug-in loading as installed).
+# The installed reference host, started as a user would start it: no arguments,
+# an unprivileged account with a home of its own, no display and no network. It
+# must find the installed virtual-panel plug-in by itself, play its session
+# offscreen, and keep its settings and screenshots in the user's XDG folders
+# (the installed tree is not writable for that user).
 # The session's options page lists serial ports, and Qt opens every 8250 UART it
 # lists to probe it: where the test build's pty guard exists, it keeps the
 # session away from this machine's own serial ports.
@@ -84,19 +86,50 @@ for g in "$(dirname "$DEB")/tests/support/libdialix_ptylines.so" \
     "$SRC/build/tests/support/libdialix_ptylines.so"; do
     [ -z "$GUARD" ] && [ -f "$g" ] && GUARD="$g"
 done
-if [ -n "$GUARD" ]; then
-    export LD_PRELOAD="$GUARD${LD_PRELOAD:+:$LD_PRELOAD}"
-fi
-if [ -x "$SCRATCH/root/usr/bin/dialix-host" ]; then
-    if ! (cd "$SCRATCH" && QT_QPA_PLATFORM=offscreen timeout 300 \
-        "$SCRATCH/root/usr/bin/dialix-host" --script \
-        --plugin "$SCRATCH/root/usr/lib/dialix/libdialix_virtual.so" \
-        --screenshots "$SCRATCH/shots" --settings "$SCRATCH/host.ini" >"$SCRATCH/host.log" 2>&1); then
-        tail -20 "$SCRATCH/host.log" >&2
-        fail "the installed dialix-host did not finish its session"
+run_as_user() {
+    local home="$1"
+    shift
+    local env=(env -i HOME="$home" PATH=/usr/bin:/bin LANG=C.UTF-8 XDG_RUNTIME_DIR="$home/run")
+    if [ -n "$GUARD" ]; then
+        env+=(LD_PRELOAD="$SCRATCH/guard.so")
     fi
+    if [ "$(id -u)" -eq 0 ]; then
+        # A uid that no account has; unshare drops the network first.
+        local net=(unshare --net)
+        unshare --net true 2>/dev/null || net=()
+        "${net[@]}" setpriv --reuid="$HOST_UID" --regid="$HOST_UID" --clear-groups \
+            "${env[@]}" "$@"
+    else
+        "${env[@]}" "$@"
+    fi
+}
+host="$SCRATCH/root/usr/bin/dialix-host"
+if [ -x "$host" ]; then
+    HOST_UID=${DIALIX_HOST_UID:-64123}
+    home="$SCRATCH/home"
+    mkdir -p -m 0700 "$home/run"
+    if [ -n "$GUARD" ]; then
+        install -m 0644 "$GUARD" "$SCRATCH/guard.so"
+    fi
+    chmod 0755 "$SCRATCH"
+    if [ "$(id -u)" -eq 0 ]; then
+        chown -R "$HOST_UID:$HOST_UID" "$home"
+    fi
+    if ! (cd "$home" && run_as_user "$home" timeout 300 "$host") >"$SCRATCH/host.log" 2>&1; then
+        tail -20 "$SCRATCH/host.log" >&2
+        fail "the installed dialix-host did not finish its session as an unprivileged user"
+    fi
+    grep -q "^plugin .* from $SCRATCH/root/usr/lib/dialix/libdialix_virtual.so\$" "$SCRATCH/host.log" \
+        || fail "the installed dialix-host did not load the installed virtual-panel plug-in"
+    [ -f "$home/.config/dialix-host/host.ini" ] \
+        || fail "the installed dialix-host kept no settings in ~/.config/dialix-host"
+    [ -f "$home/Pictures/dialix-host/virtual-panel-1.png" ] \
+        || fail "the installed dialix-host saved no screenshots in ~/Pictures/dialix-host"
+    echo "check-deb: the installed dialix-host ran as uid $HOST_UID:" \
+        "$(grep -c '^command' "$SCRATCH/host.log") commands," \
+        "$(grep -c '^led' "$SCRATCH/host.log") LED changes," \
+        "$(find "$home/Pictures/dialix-host" -name '*.png' | wc -l) screenshots"
 fi
-unset LD_PRELOAD
 
 # lintian: no errors or warnings; explained findings are in the package's
 # overrides (packaging/lintian-overrides). Informational tags are shown.
