@@ -5,6 +5,7 @@
 
 #include "interfaces/dialixabstract.h"
 
+#include <QScrollBar>
 #include <QTime>
 
 HostWindow::HostWindow(PluginHost *host, bool virtualPanels, QWidget *parent)
@@ -52,6 +53,8 @@ void HostWindow::log(const QString &line)
 {
     ui->teLog->appendPlainText(QTime::currentTime().toString(QStringLiteral("HH:mm:ss.zzz  "))
                                + line);
+    // The log follows its newest line, also after the window changed size.
+    ui->teLog->verticalScrollBar()->setValue(ui->teLog->verticalScrollBar()->maximum());
 }
 
 void HostWindow::refreshRadio()

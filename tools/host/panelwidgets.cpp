@@ -2,6 +2,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QTimer>
 #include <QWheelEvent>
 
 #include <QtMath>
@@ -63,18 +64,27 @@ void DialKnob::paintEvent(QPaintEvent *)
 {
     QPainter p(this);
     p.setRenderHint(QPainter::Antialiasing);
-    const QRectF knob((width() - diameter) / 2.0, 4, diameter, diameter);
-    QRadialGradient shade(knob.center() - QPointF(diameter / 6.0, diameter / 6.0), diameter);
-    shade.setColorAt(0, down ? QColor(90, 90, 90) : QColor(150, 150, 150));
-    shade.setColorAt(1, QColor(30, 30, 30));
+    QRectF knob((width() - diameter) / 2.0, 4, diameter, diameter);
+    if (down) {
+        // Pushed in: a lit ring around a smaller, darker knob lit from below.
+        p.setPen(QPen(palette().color(QPalette::Highlight), 3));
+        p.setBrush(Qt::NoBrush);
+        p.drawEllipse(knob.adjusted(-1.5, -1.5, 1.5, 1.5));
+        knob.adjust(4, 4, -4, -4);
+    }
+    const QPointF light =
+        down ? QPointF(diameter / 8.0, diameter / 8.0) : QPointF(-diameter / 6.0, -diameter / 6.0);
+    QRadialGradient shade(knob.center() + light, diameter);
+    shade.setColorAt(0, down ? QColor(95, 95, 95) : QColor(150, 150, 150));
+    shade.setColorAt(1, QColor(20, 20, 20));
     p.setBrush(shade);
     p.setPen(QPen(Qt::black, 1.5));
     p.drawEllipse(knob);
     // A marker that follows the turns, 15 degrees per step.
     const qreal a = qDegreesToRadians(qreal(angle * 15 - 90));
     const QPointF c = knob.center();
-    const qreal r = diameter / 2.0 - 6;
-    p.setBrush(Qt::white);
+    const qreal r = knob.width() / 2.0 - 6;
+    p.setBrush(down ? QColor(190, 190, 190) : QColor(Qt::white));
     p.setPen(Qt::NoPen);
     p.drawEllipse(QPointF(c.x() + r * qCos(a), c.y() + r * qSin(a)), 3, 3);
     p.setPen(palette().color(QPalette::WindowText));
@@ -82,7 +92,7 @@ void DialKnob::paintEvent(QPaintEvent *)
                Qt::AlignHCenter | Qt::AlignTop, caption);
 }
 
-void DialKnob::turn(int steps)
+void DialKnob::turnBy(int steps)
 {
     if (steps == 0)
         return;
@@ -91,13 +101,25 @@ void DialKnob::turn(int steps)
     emit turned(steps);
 }
 
+void DialKnob::setPushed(bool pushed)
+{
+    if (down == pushed)
+        return;
+    down = pushed;
+    update();
+    if (down)
+        emit pressed();
+    else
+        emit released();
+}
+
 void DialKnob::wheelEvent(QWheelEvent *event)
 {
     // One notch is 120 eighths of a degree; high-resolution wheels send less.
     wheelRemainder += event->angleDelta().y();
     const int steps = wheelRemainder / 120;
     wheelRemainder -= steps * 120;
-    turn(steps);
+    turnBy(steps);
     event->accept();
 }
 
@@ -121,20 +143,18 @@ void DialKnob::mouseMoveEvent(QMouseEvent *event)
     dragging = true;
     const int steps = moved / PixelsPerStep;
     dragOrigin -= steps * PixelsPerStep;
-    turn(steps);
+    turnBy(steps);
 }
 
 void DialKnob::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    if (!dragging) {
-        down = true;
-        update();
-        emit pressed();
-        down = false;
-        update();
-        emit released();
+    // A click pushes for a moment, long enough to be seen. A dial held down
+    // from the keyboard stays down.
+    if (!dragging && !down) {
+        setPushed(true);
+        QTimer::singleShot(ClickMs, this, [this] { setPushed(false); });
     }
     dragging = false;
 }

@@ -14,6 +14,7 @@ public:
     bool isOn() const { return on; }
     void setOn(bool state);
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -26,7 +27,8 @@ private:
 
 // A push-dial of the panel picture. The mouse wheel turns it one step per
 // notch; dragging up or down turns it one step per few pixels; a click without
-// dragging pushes it (pressed() on the button's press, released() on release).
+// dragging pushes it for a moment. turnBy() and setPushed() do the same for the
+// keyboard. While pushed it looks pressed in.
 class DialKnob : public QWidget
 {
     Q_OBJECT
@@ -35,6 +37,14 @@ public:
     explicit DialKnob(const QString &caption, int diameter, QWidget *parent = nullptr);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+    bool isPushed() const { return down; }
+
+public slots:
+    void turnBy(int steps);
+    // pressed() when it goes down, released() when it comes up; nothing when
+    // it already is where it is told to go.
+    void setPushed(bool pushed);
 
 signals:
     void turned(int steps);
@@ -49,9 +59,9 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
-    void turn(int steps);
-
     static constexpr int PixelsPerStep = 6;
+    // How long a click holds the dial pushed.
+    static constexpr int ClickMs = 150;
 
     QString caption;
     int diameter;

@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPushButton>
 #include <QTabWidget>
@@ -76,6 +77,14 @@ Session::Session(PluginHost *pluginHost, QWidget *window, int firstPanel,
         VirtualPanel::setDot(p, false);
     });
     add(300, tr("press key 3 (MOX on)"), [this, p] { key(p, 3); });
+    // Played through the panel window, as from the keyboard: the key and the
+    // dial look pressed in the pictures, and the page lights key 7's button.
+    add(200, tr("hold key 7 (W) and push dial 2 (F5) on the panel window's keyboard"), [this, p] {
+        play(p, Qt::Key_W, true);
+        play(p, Qt::Key_F5, true);
+        if (!(VirtualPanel::switches(p) & (1u << 7)))
+            failed << tr("the W key did not hold key 7 of panel %1").arg(p);
+    });
     add(400, tr("screenshots while transmitting"), [this] {
         screenshot(hostWindow, QStringLiteral("host-window.png"));
         for (QWidget *w : QApplication::topLevelWidgets()) {
@@ -83,6 +92,10 @@ Session::Session(PluginHost *pluginHost, QWidget *window, int firstPanel,
                 screenshot(panelWindow,
                            QStringLiteral("virtual-panel-%1.png").arg(panelWindow->panel()));
         }
+    });
+    add(100, tr("let key 7 and dial 2 go"), [this, p] {
+        play(p, Qt::Key_W, false);
+        play(p, Qt::Key_F5, false);
     });
     add(100, tr("press key 3 (MOX off)"), [this, p] { key(p, 3); });
     add(300, tr("plug a second panel"), [this] {
@@ -175,6 +188,19 @@ void Session::key(int p, int k)
 {
     VirtualPanel::pressKey(p, k);
     VirtualPanel::releaseKey(p, k);
+}
+
+void Session::play(int p, int qtKey, bool down)
+{
+    for (QWidget *w : QApplication::topLevelWidgets()) {
+        auto *panelWindow = qobject_cast<VirtualPanelWindow *>(w);
+        if (!panelWindow || panelWindow->panel() != p)
+            continue;
+        QKeyEvent event(down ? QEvent::KeyPress : QEvent::KeyRelease, qtKey, Qt::NoModifier);
+        QCoreApplication::sendEvent(panelWindow, &event);
+        return;
+    }
+    failed << tr("no window for panel %1").arg(p);
 }
 
 void Session::screenshot(QWidget *widget, const QString &file)

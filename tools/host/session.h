@@ -42,6 +42,8 @@ private:
     void tick(int page, const char *checkBox, bool on);
     void assign(int page, const QString &button, const QString &function);
     void key(int panel, int k);
+    // A key of the keyboard pressed or let go on the panel's window.
+    void play(int panel, int qtKey, bool down);
     void screenshot(QWidget *widget, const QString &file);
 
     PluginHost *host;
