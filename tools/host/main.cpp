@@ -6,11 +6,11 @@
 //
 // --script plays a scripted operator session, prints every command the
 // plug-in sends and every LED change, saves screenshots and exits (0 when all
-// went through). Without a display the host runs offscreen and plays the
-// session, since nobody could use its windows. Otherwise (or with a plug-in
-// that is not the virtual one) the host runs until its window is closed or it
-// gets SIGTERM or SIGINT; either way it closes the panels as the real host
-// does. The plug-in's tabs are printed whenever their number changes.
+// went through). Without a display the host runs offscreen and, over the
+// virtual panels, plays the session, since nobody could use its windows.
+// Otherwise the host runs until its window is closed or it gets SIGTERM or
+// SIGINT; either way it closes the panels as the real host does. The plug-in's
+// tabs are printed whenever their number changes.
 //
 // By default the host loads the virtual-panel plug-in from where the package
 // installs it beside the program (or from the build tree), and keeps its
@@ -146,13 +146,9 @@ int main(int argc, char *argv[])
         userPath(QStandardPaths::AppConfigLocation, QStringLiteral("host.ini")));
     parser.addOptions({pluginOption, sessionOption, shotsOption, settingsOption});
     parser.process(args);
-    // Windows nobody sees cannot be used: offscreen, the host plays the session.
-    const bool scripted =
-        parser.isSet(sessionOption) || QApplication::platformName() == QLatin1String("offscreen");
-
     // The session starts from the plug-in's defaults: it forgets the panel
     // assignments that earlier runs left beside the host.
-    if (scripted)
+    if (parser.isSet(sessionOption))
         QFile::remove(QApplication::applicationDirPath() + QStringLiteral("/options.ini"));
 
     // The relay listens for LED reports before any panel opens.
@@ -181,6 +177,10 @@ int main(int argc, char *argv[])
     const bool virtualBus = VirtualPanel::enumerations() > 0;
     if (!virtualBus)
         VirtualPanel::unplug(firstPanel);
+    // Virtual panels nobody sees cannot be played: offscreen, the host plays
+    // the session over them.
+    const bool scripted = parser.isSet(sessionOption)
+        || (virtualBus && QApplication::platformName() == QLatin1String("offscreen"));
 
     HostWindow window(&host, virtualBus);
     const QString settingsFile = parser.value(settingsOption);
