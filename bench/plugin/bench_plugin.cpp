@@ -3,14 +3,26 @@
 // the panel (it queues input reports), the main thread is the host's GUI thread
 // and receives the plug-in's command messages.
 //
+// Each figure with a target is printed beside a floor measured in the same run:
+//  - the stream floor: the same driver and pacing into a bare reader (one
+//    hid_read_timeout wake-up and one queued signal to the GUI thread per
+//    report, nothing else), measured before the plug-in is loaded;
+//  - the latency floor: a report crossing the same way (the bare reader wakes,
+//    one queued signal), sampled in turn with the plug-in's presses;
+//  - the idle floor: a bare thread waking every 5 ms, running beside the idle
+//    plug-in and timed by its own thread clock.
+// CPU figures are of the whole process (the driver thread included, as in the
+// floors); the notes give the driver's own share. Unless a figure says "page
+// shown", the options page is hidden, as it is while the operator works the radio.
+//
 // Figures: plug-in load to first tab and the memory it adds; panel event to host
-// latency beside a bare cross-thread queued call; sustained input at 1000
-// reports/s; the report rate at which the GUI thread falls behind; VFO encoder
-// coalescing; idle CPU with two panels open and with failing reads; the time of
-// one hot-plug cycle per open panel.
+// latency; sustained input at 1000 reports/s; the report rate at which the GUI
+// thread falls behind; VFO encoder coalescing and its CPU; idle CPU and CPU with
+// failing reads; one hot-plug cycle per open panel; 1, 2 and 4 panels under the
+// same stream each.
 //
 // Prints a readable table and one JSON line {"bench":"plugin","metrics":[...]}.
-// BENCH_SCALE (default 1) scales the measuring times.
+// BENCH_SCALE (default 1) scales the measuring times; BENCH_PHASES picks phases.
 
 #include "bench/measure.h"
 #include "interfaces/dialixabstract.h"
@@ -31,11 +43,15 @@
 #include <QVBoxLayout>
 #include <QWidget>
 
+#include <hidapi.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <functional>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -43,22 +59,36 @@ namespace vp = VirtualPanel;
 using measure::CpuMeter;
 using measure::percentile;
 using measure::residentKb;
+using measure::threadCpuSeconds;
 using Clock = std::chrono::steady_clock;
 
 namespace {
 
 // Command ids that the configured panel functions send.
-constexpr int CmdBandUp = 110; // every key
+constexpr int CmdKey[4] = {110, 111, 112, 113}; // the keys of panels 1..4 (Band/Mode Up/Down)
+constexpr int CmdBandUp = CmdKey[0];
 constexpr int CmdMicGain = 127; // dial 1
 constexpr int CmdSql = 129; // dial 2
 constexpr int CmdFilterLow = 130; // dial 3
 constexpr int CmdVfo = 143; // dial 0, coalesced
 constexpr int FilterLowStep = 10;
+constexpr int MaxPanels = 4;
+// The floor's panel: a product id that the plug-in does not look for.
+constexpr unsigned short FloorProductId = 0x0F0F;
 
 qint64 nowNs()
 {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch())
         .count();
+}
+
+// BENCH_PHASES (comma-separated: idle, latency, sustained, saturation, vfo,
+// failing, shown, hotplug, two, scaling) runs only those phases; all of them by
+// default. A profiler run takes the phases it looks at.
+bool phase(const char *name)
+{
+    const QByteArray chosen = qgetenv("BENCH_PHASES");
+    return chosen.isEmpty() || chosen.split(',').contains(name);
 }
 
 double scale()
@@ -101,6 +131,11 @@ public:
     std::atomic<int> dropped {0};
     std::vector<qint64> vfoTimes; // GUI thread only while recording
     bool recordVfo = false;
+    // Arrival times of the key commands of panels 1..4, and of the Mic Gain
+    // commands with their value (GUI thread only while recording).
+    std::vector<qint64> keyTimes[MaxPanels];
+    std::vector<std::pair<int, qint64>> micGainTimes;
+    bool recordKeys = false;
     std::atomic<qint64> pingNs {0};
 
 public slots:
@@ -123,11 +158,106 @@ public slots:
         lastNs[id] = t;
         if (id == CmdVfo && recordVfo)
             vfoTimes.push_back(t);
+        if (recordKeys && id >= CmdKey[0] && id < CmdKey[0] + MaxPanels)
+            keyTimes[id - CmdKey[0]].push_back(t);
+        if (recordKeys && id == CmdMicGain)
+            micGainTimes.emplace_back(value, t);
         ++count[id];
     }
 };
 
+// The floor's reader: signals one report to the GUI thread.
+class FloorRelay : public QObject
+{
+    Q_OBJECT
+
+signals:
+    void report();
+};
+
 namespace {
+
+// The least any reader thread does to bring a panel report to the GUI thread:
+// it sleeps in hid_read_timeout (5 ms, as the plug-in's reader), wakes for the
+// report and emits one queued signal. Opened on the floor's own virtual panel.
+class FloorReader
+{
+public:
+    explicit FloorReader(int panel)
+        : panel(panel)
+    { }
+    ~FloorReader() { stop(); }
+
+    // `onReport` runs on the GUI thread, once per report.
+    void start(QObject *context, std::function<void()> onReport)
+    {
+        connection = QObject::connect(&relay, &FloorRelay::report, context, std::move(onReport));
+        handle = hid_open(vp::DialixVendorId, FloorProductId, nullptr);
+        running = handle != nullptr;
+        if (running) {
+            thread = std::thread([this] {
+                unsigned char buffer[vp::InputReportSize];
+                while (running.load()) {
+                    if (hid_read_timeout(handle, buffer, sizeof buffer, 5) == vp::InputReportSize)
+                        emit relay.report();
+                }
+            });
+        }
+    }
+    void stop()
+    {
+        running = false;
+        if (thread.joinable())
+            thread.join();
+        if (handle)
+            hid_close(handle);
+        handle = nullptr;
+        QObject::disconnect(connection);
+    }
+    int id() const { return panel; }
+
+private:
+    int panel;
+    hid_device *handle = nullptr;
+    std::atomic<bool> running {false};
+    std::thread thread;
+    FloorRelay relay;
+    QMetaObject::Connection connection;
+};
+
+// A bare thread waking every 5 ms, as an open panel's reader does while the
+// panel is quiet; it times itself with its own thread clock.
+class IdleFloor
+{
+public:
+    IdleFloor()
+        : thread([this] {
+            const double cpu0 = threadCpuSeconds();
+            std::unique_lock<std::mutex> lock(mutex);
+            while (!stopping)
+                wake.wait_for(lock, std::chrono::milliseconds(5));
+            cpuSeconds = threadCpuSeconds() - cpu0;
+        })
+    { }
+    // Stops the thread; its CPU time in percent of one core over `wallSeconds`.
+    double stop(double wallSeconds)
+    {
+        {
+            std::lock_guard<std::mutex> lock(mutex);
+            stopping = true;
+        }
+        wake.notify_one();
+        thread.join();
+        return 100.0 * cpuSeconds / wallSeconds;
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable wake;
+    bool stopping = false;
+    double cpuSeconds = 0;
+    std::thread thread;
+};
 
 // Runs `driver` on a thread of its own while the main thread dispatches events
 // (the plug-in's work and the host's receipt happen there).
@@ -167,14 +297,28 @@ QByteArray report(quint32 word, int d0 = 0, int d1 = 0, int d2 = 0, int d3 = 0)
     return vp::makeReport(word, d0, d1, d2, d3);
 }
 
+// Shows or hides the window that holds the plug-in's tabs, and waits until the
+// current page is (not) visible.
+void showPage(QWidget &window, bool shown)
+{
+    window.setVisible(shown);
+    const auto deadline = Clock::now() + std::chrono::seconds(5);
+    auto *tabs = window.findChild<QTabWidget *>();
+    while (tabs && tabs->currentWidget() && tabs->currentWidget()->isVisible() != shown
+           && Clock::now() < deadline)
+        QCoreApplication::processEvents();
+    settle(50);
+}
+
 // The own file's layout, which readSettings() also reads from the host's object.
+// Panel c's keys send CmdKey[c - 1]; the dials are the same on every panel.
 void writeSettings(const QString &path)
 {
     QSettings s(path, QSettings::IniFormat);
-    for (int c = 1; c <= 2; ++c) {
+    for (int c = 1; c <= MaxPanels; ++c) {
         s.beginGroup(QStringLiteral("Dialix%1").arg(c));
         for (int n = 0; n < 17; ++n)
-            s.setValue(QStringLiteral("FunctionButton%1").arg(n), 1); // Band Up
+            s.setValue(QStringLiteral("FunctionButton%1").arg(n), c); // Band Up .. Mode Down
         // Dials 1..3: Mic Gain, SQL, Filter Low. This layout numbers dial j as j - 1.
         const int dialFunctions[4] = {0, 2, 3, 4};
         for (int j = 0; j < 4; ++j)
@@ -190,17 +334,43 @@ void writeSettings(const QString &path)
     }
 }
 
+// The sustained stream into a bare reader: the floor of every streaming figure.
+double streamFloorCpu(FloorReader &floor, QObject &context)
+{
+    const int n = int(5000 * scale());
+    std::atomic<int> received {0};
+    floor.start(&context, [&received] { ++received; });
+    settle(100);
+    CpuMeter cpu;
+    double percent = 0;
+    drive([&] {
+        auto next = Clock::now();
+        for (int i = 0; i < n; ++i) {
+            vp::queueReport(floor.id(), report(i % 2 ? 0 : 2u, 1, 1, -1, 1));
+            next += std::chrono::microseconds(1000);
+            std::this_thread::sleep_until(next);
+        }
+        percent = cpu.percent();
+        waitFor([&] { return received.load() >= n; }, 2000);
+    });
+    floor.stop();
+    return percent;
+}
+
 // One press after another, each timed from the report being queued to the host
-// receiving the command; next to the same walk over a bare queued call.
-void latency(Host &host, int panel)
+// receiving the command. In turn with each press: the same crossing through the
+// bare reader (the floor), and a bare cross-thread queued call.
+void latency(Host &host, int panel, FloorReader &floorReader, const QString &suffix = {})
 {
     const int n = int(2000 * scale());
-    std::vector<double> plugin, floor;
+    std::vector<double> plugin, floor, queued;
+    floorReader.start(&host, [&host] { host.pingNs = nowNs(); });
+    settle(50);
     drive([&] {
         for (int i = 0; i < n; ++i) {
             const int key = 1 + i % 14;
             const int before = host.count[CmdBandUp];
-            const qint64 t0 = nowNs();
+            qint64 t0 = nowNs();
             vp::queueReport(panel, report(1u << key));
             if (!waitFor([&] { return host.count[CmdBandUp] > before; }, 2000))
                 break;
@@ -208,72 +378,142 @@ void latency(Host &host, int panel)
             vp::queueReport(panel, report(0));
             vp::waitUntilRead(panel, 1000);
             std::this_thread::sleep_for(std::chrono::microseconds(300));
-        }
-        for (int i = 0; i < n; ++i) {
+
             host.pingNs = 0;
-            const qint64 t0 = nowNs();
-            QMetaObject::invokeMethod(
-                &host, [&host] { host.pingNs = nowNs(); }, Qt::QueuedConnection);
+            t0 = nowNs();
+            vp::queueReport(floorReader.id(), report(1u << key));
             if (!waitFor([&] { return host.pingNs != 0; }, 2000))
                 break;
             floor.push_back(double(host.pingNs - t0) / 1000.0);
             std::this_thread::sleep_for(std::chrono::microseconds(300));
+
+            host.pingNs = 0;
+            t0 = nowNs();
+            QMetaObject::invokeMethod(
+                &host, [&host] { host.pingNs = nowNs(); }, Qt::QueuedConnection);
+            if (!waitFor([&] { return host.pingNs != 0; }, 2000))
+                break;
+            queued.push_back(double(host.pingNs - t0) / 1000.0);
+            std::this_thread::sleep_for(std::chrono::microseconds(300));
         }
     });
+    floorReader.stop();
     const double f50 = percentile(floor, 50), f99 = percentile(floor, 99);
-    add("event_to_host_p50", percentile(plugin, 50), "us",
-        QStringLiteral("%1 presses").arg(plugin.size()), f50);
-    add("event_to_host_p99", percentile(plugin, 99), "us", {}, f99);
-    add("queued_signal_p50", f50, "us", "bare cross-thread queued call (the floor)");
-    add("queued_signal_p99", f99, "us");
+    add("event_to_host_p50" + suffix, percentile(plugin, 50), "us",
+        QStringLiteral("%1 presses; floor: reader wake-up + one queued signal").arg(plugin.size()),
+        f50, suffix.isEmpty() ? 1.5 * f50 : -1);
+    add("event_to_host_p99" + suffix, percentile(plugin, 99), "us", {}, f99,
+        suffix.isEmpty() ? 2 * f99 : -1);
+    if (!suffix.isEmpty())
+        return;
+    add("reader_wake_queued_p50", f50, "us", "the floor: bare reader wakes, one queued signal");
+    add("reader_wake_queued_p99", f99, "us");
+    add("queued_signal_p50", percentile(queued, 50), "us", "bare cross-thread queued call");
+    add("queued_signal_p99", percentile(queued, 99), "us");
 }
 
-// 1000 reports per second: each one a key edge and a movement of all four dials.
-void sustained(Host &host, int panel)
+struct StreamResult
 {
-    const int n = 2 * int(5000 * scale()); // even: all keys end released
-    const int b110 = host.count[CmdBandUp], b127 = host.count[CmdMicGain],
-              b129 = host.count[CmdSql], b130 = host.count[CmdFilterLow], b143 = host.count[CmdVfo];
-    const long long s127 = host.sum[CmdMicGain], s129 = host.sum[CmdSql],
-                    s130 = host.sum[CmdFilterLow];
-    CpuMeter cpu;
-    double cpuPercent = 0;
     double seconds = 0;
+    double cpu = 0; // whole process, percent of one core
+    double driverCpu = 0; // the driver thread's share
+    int edgesLost = 0;
+    int dialsLost = 0;
+    bool sumsRight = false;
+    double vfoPerPanel = 0; // VFO commands per second and panel
+    double p50 = 0, p99 = 0; // key edge to host, microseconds
+};
+
+// `seconds` of 1000 reports/s into each of `panels`: each report a key edge (a
+// press in even reports, its release in odd ones) and a movement of all four
+// dials. Panel k's keys send CmdKey[k].
+StreamResult stream(Host &host, const std::vector<int> &panels, double seconds)
+{
+    const int n = 2 * int(500 * seconds); // even: all keys end released
+    const int count = int(panels.size());
+    int before[190];
+    long long sumBefore[190];
+    for (int id = 0; id < 190; ++id) {
+        before[id] = host.count[id];
+        sumBefore[id] = host.sum[id];
+    }
+    std::vector<qint64> pressed[MaxPanels];
+    for (auto &times : host.keyTimes)
+        times.clear();
+    host.recordKeys = true;
+    CpuMeter cpu;
+    StreamResult r;
     drive([&] {
+        const double driver0 = threadCpuSeconds();
         const auto start = Clock::now();
         auto next = start;
-        quint32 word = 0;
         for (int i = 0; i < n; ++i) {
             const int key = 1 + (i / 2) % 14;
-            word = (i % 2 == 0) ? (1u << key) : 0;
-            vp::queueReport(panel, report(word, 1, 1, -1, 1));
+            const quint32 word = (i % 2 == 0) ? (1u << key) : 0;
+            for (int k = 0; k < count; ++k) {
+                if (word)
+                    pressed[k].push_back(nowNs());
+                vp::queueReport(panels[std::size_t(k)], report(word, 1, 1, -1, 1));
+            }
             next += std::chrono::microseconds(1000);
             std::this_thread::sleep_until(next);
         }
-        seconds = std::chrono::duration<double>(Clock::now() - start).count();
-        cpuPercent = cpu.percent();
-        waitFor([&] { return host.count[CmdFilterLow] - b130 >= n; }, 5000);
+        r.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        r.cpu = cpu.percent();
+        r.driverCpu = 100.0 * (threadCpuSeconds() - driver0) / r.seconds;
+        waitFor([&] { return host.count[CmdFilterLow] - before[CmdFilterLow] >= n * count; }, 5000);
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     });
+    host.recordKeys = false;
     const int presses = n / 2;
-    const int edgesLost = presses - (host.count[CmdBandUp] - b110);
-    const int dialLost = (n - (host.count[CmdMicGain] - b127)) + (n - (host.count[CmdSql] - b129))
-        + (n - (host.count[CmdFilterLow] - b130));
-    const bool sumsRight = host.sum[CmdMicGain] - s127 == n && host.sum[CmdSql] - s129 == -n
-        && host.sum[CmdFilterLow] - s130 == (long long)n * FilterLowStep;
-    const double vfoRate = (host.count[CmdVfo] - b143) / seconds;
-    add("sustained_edges_lost", edgesLost, "count",
-        QStringLiteral("%1 reports in %2 s, %3 presses")
-            .arg(n)
-            .arg(seconds, 0, 'f', 1)
-            .arg(presses),
+    std::vector<double> latencies;
+    for (int k = 0; k < count; ++k) {
+        const int id = CmdKey[k];
+        r.edgesLost += presses - (host.count[id] - before[id]);
+        const std::vector<qint64> &arrived = host.keyTimes[k];
+        for (std::size_t i = 0; i < std::min(arrived.size(), pressed[k].size()); ++i)
+            latencies.push_back(double(arrived[i] - pressed[k][i]) / 1000.0);
+    }
+    for (const int id : {CmdMicGain, CmdSql, CmdFilterLow})
+        r.dialsLost += n * count - (host.count[id] - before[id]);
+    r.sumsRight = host.sum[CmdMicGain] - sumBefore[CmdMicGain] == (long long)n * count
+        && host.sum[CmdSql] - sumBefore[CmdSql] == -(long long)n * count
+        && host.sum[CmdFilterLow] - sumBefore[CmdFilterLow] == (long long)n * count * FilterLowStep;
+    r.vfoPerPanel = (host.count[CmdVfo] - before[CmdVfo]) / r.seconds / count;
+    r.p50 = percentile(latencies, 50);
+    r.p99 = percentile(latencies, 99);
+    return r;
+}
+
+QString driverNote(const StreamResult &r)
+{
+    return QStringLiteral("whole process; driver thread %1 %").arg(r.driverCpu, 0, 'f', 2);
+}
+
+// 1000 reports per second: each one a key edge and a movement of all four dials.
+void sustained(Host &host, int panel, double floorCpu)
+{
+    const StreamResult r = stream(host, {panel}, 10 * scale());
+    add("sustained_edges_lost", r.edgesLost, "count",
+        QStringLiteral("%1 reports in %2 s").arg(int(r.seconds * 1000)).arg(r.seconds, 0, 'f', 1),
         -1, 0);
-    add("sustained_dial_moves_lost", dialLost, "count",
-        sumsRight ? QStringLiteral("dials 1-3, values add up")
-                  : QStringLiteral("dials 1-3, VALUES DO NOT ADD UP"),
+    add("sustained_dial_moves_lost", r.dialsLost, "count",
+        r.sumsRight ? QStringLiteral("dials 1-3, values add up")
+                    : QStringLiteral("dials 1-3, VALUES DO NOT ADD UP"),
         -1, 0);
-    add("sustained_vfo_commands", vfoRate, "per_s", "dial 0 moved in every report", -1, 100);
-    add("sustained_cpu", cpuPercent, "pct", "whole process, driver thread included");
+    add("sustained_vfo_commands", r.vfoPerPanel, "per_s", "dial 0 moved in every report", -1, 100);
+    add("sustained_cpu", r.cpu, "pct", driverNote(r), floorCpu, 5);
+    add("sustained_edge_to_host_p50", r.p50, "us", "key edges within the stream");
+    add("sustained_edge_to_host_p99", r.p99, "us");
+}
+
+// The same stream with the options page on screen: its buttons light and the
+// VFO indicator dial turns, so Qt paints what changed.
+void sustainedPageShown(Host &host, int panel, double floorCpu)
+{
+    const StreamResult r = stream(host, {panel}, 5 * scale());
+    add("sustained_cpu_page_shown", r.cpu, "pct",
+        driverNote(r) + QStringLiteral("; %1 lost").arg(r.edgesLost + r.dialsLost), floorCpu);
 }
 
 // Raises the report rate until the commands arrive later than 50 ms after the
@@ -323,28 +563,41 @@ void saturation(Host &host, int panel)
     }
 }
 
-// The VFO encoder reports every millisecond for 10 s; then one last movement.
-void vfoSpin(Host &host, int panel)
+// The VFO encoder reports every millisecond for `seconds`; then one last movement.
+void vfoSpin(Host &host, int panel, double floorCpu, double seconds, bool pageShown)
 {
-    const int n = int(10000 * scale());
+    const int n = int(1000 * seconds);
     const int before = host.count[CmdVfo];
     host.vfoTimes.clear();
     host.recordVfo = true;
     qint64 lastSent = 0;
     bool lastArrived = false;
+    double cpuPercent = 0, driverPercent = 0;
+    CpuMeter cpu;
     drive([&] {
-        auto next = Clock::now();
+        const double driver0 = threadCpuSeconds();
+        const auto start = Clock::now();
+        auto next = start;
         for (int i = 0; i < n; ++i) {
             vp::queueReport(panel, report(0, 1));
             next += std::chrono::microseconds(1000);
             std::this_thread::sleep_until(next);
         }
+        cpuPercent = cpu.percent();
+        driverPercent = 100.0 * (threadCpuSeconds() - driver0)
+            / std::chrono::duration<double>(Clock::now() - start).count();
         std::this_thread::sleep_for(std::chrono::milliseconds(3));
         lastSent = nowNs();
         vp::queueReport(panel, report(0, 7));
         lastArrived = waitFor([&] { return host.lastValue[CmdVfo] == 7; }, 1000);
     });
     host.recordVfo = false;
+    const QString note =
+        QStringLiteral("whole process; driver thread %1 %").arg(driverPercent, 0, 'f', 2);
+    if (pageShown) {
+        add("vfo_spin_cpu_page_shown", cpuPercent, "pct", note, floorCpu);
+        return;
+    }
     const int commands = host.count[CmdVfo] - before;
     int maxWindow = 0;
     const std::vector<qint64> &t = host.vfoTimes;
@@ -359,13 +612,21 @@ void vfoSpin(Host &host, int panel)
         "busiest sliding 1 s window (Qt's coarse timers may fire a tick up to 5 % early)", -1, 100);
     add("vfo_last_move_delay", lastArrived ? double(host.lastNs[CmdVfo] - lastSent) / 1e6 : -1,
         "ms", lastArrived ? QString() : QStringLiteral("LAST MOVEMENT STRANDED"), -1, 20);
+    add("vfo_spin_cpu", cpuPercent, "pct", note, floorCpu, 3);
 }
 
-double idleCpu(double seconds)
+// CPU of the idle plug-in and, beside it, of a bare thread waking every 5 ms
+// (the floor), both over the same `seconds`. Returns {plug-in, floor}.
+std::pair<double, double> idleCpu(double seconds)
 {
+    IdleFloor floor;
     CpuMeter cpu;
+    const auto start = Clock::now();
     settle(std::max(500, int(seconds * 1000)));
-    return cpu.percent();
+    const double wall = std::chrono::duration<double>(Clock::now() - start).count();
+    const double total = cpu.percent();
+    const double floorPercent = floor.stop(wall);
+    return {total - floorPercent, floorPercent};
 }
 
 double hotplugCycleMs(QObject *root, int cycles)
@@ -374,6 +635,92 @@ double hotplugCycleMs(QObject *root, int cycles)
     for (int i = 0; i < cycles; ++i)
         QMetaObject::invokeMethod(root, "deviceChanged", Qt::DirectConnection);
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count() / cycles;
+}
+
+// Plugs panels until `panels` holds `count` and lets the plug-in open them all.
+bool openPanels(QObject *root, std::vector<int> &panels, int count)
+{
+    while (int(panels.size()) < count)
+        panels.push_back(
+            vp::plug(QStringLiteral("BENCH%1").arg(panels.size() + 1, 4, 10, QLatin1Char('0'))));
+    while (int(panels.size()) > count) {
+        vp::unplug(panels.back());
+        panels.pop_back();
+    }
+    QMetaObject::invokeMethod(root, "deviceChanged", Qt::DirectConnection);
+    settle(1500);
+    // Every controller opens the first listed panel: that is the plug-in's rule.
+    return vp::openHandles(panels.front()) == count;
+}
+
+// 1, 2 and 4 panels plugged in, each controller under the sustained stream. By
+// the plug-in's rule every controller opens the first listed panel, whose one
+// input queue the virtual panel shares among its handles: the stream is queued
+// there `count` times as fast, so that each controller reads about 1000 reports/s.
+// Key edges then fall to whichever controller reads the report, so losses are
+// counted on the dial movements, and latency on dial 1's commands, whose value
+// tags the report (1 .. 100).
+void scaling(Host &host, QObject *root, std::vector<int> &panels)
+{
+    for (const int count : {1, 2, 4}) {
+        const QString n = QString::number(count);
+        if (!openPanels(root, panels, count)) {
+            add("scaling_cpu_" + n, -1, "pct", "PANELS DID NOT OPEN");
+            continue;
+        }
+        const int reports = 2 * int(count * 500 * 5 * scale());
+        const int before[3] = {host.count[CmdMicGain], host.count[CmdSql],
+                               host.count[CmdFilterLow]};
+        std::vector<qint64> queued;
+        queued.reserve(std::size_t(reports));
+        host.micGainTimes.clear();
+        host.recordKeys = true;
+        double cpuPercent = 0, driverPercent = 0;
+        CpuMeter cpu;
+        drive([&] {
+            const double driver0 = threadCpuSeconds();
+            const auto start = Clock::now();
+            auto next = start;
+            for (int i = 0; i < reports; i += count) {
+                for (int k = i; k < i + count; ++k) {
+                    const int key = 1 + (k / 2) % 14;
+                    queued.push_back(nowNs());
+                    vp::queueReport(panels.front(),
+                                    report(k % 2 == 0 ? 1u << key : 0, 1, 1 + k % 100, -1, 1));
+                }
+                next += std::chrono::microseconds(1000);
+                std::this_thread::sleep_until(next);
+            }
+            const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+            cpuPercent = cpu.percent();
+            driverPercent = 100.0 * (threadCpuSeconds() - driver0) / seconds;
+            waitFor([&] { return host.count[CmdFilterLow] - before[2] >= reports; }, 5000);
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        });
+        host.recordKeys = false;
+        const int lost = 3 * reports - (host.count[CmdMicGain] - before[0])
+            - (host.count[CmdSql] - before[1]) - (host.count[CmdFilterLow] - before[2]);
+        // The k-th arrival of tag t answers the k-th report queued with tag t.
+        std::vector<double> latencies;
+        std::vector<std::size_t> nextOfTag(101, 0);
+        for (const auto &[tag, arrived] : host.micGainTimes) {
+            if (tag < 1 || tag > 100)
+                continue;
+            const std::size_t k = std::size_t(tag - 1) + 100 * nextOfTag[std::size_t(tag)]++;
+            if (k < queued.size())
+                latencies.push_back(double(arrived - queued[k]) / 1000.0);
+        }
+        add("scaling_cpu_" + n, cpuPercent, "pct",
+            QStringLiteral("%1 panel(s), %2 reports/s in all; driver thread %3 %; %4 dial moves "
+                           "lost")
+                .arg(count)
+                .arg(count * 1000)
+                .arg(driverPercent, 0, 'f', 2)
+                .arg(lost));
+        add("scaling_event_to_host_p50_" + n, percentile(latencies, 50), "us");
+        add("scaling_event_to_host_p99_" + n, percentile(latencies, 99), "us");
+    }
+    openPanels(root, panels, 1);
 }
 
 void print()
@@ -390,9 +737,10 @@ void print()
         if (!m.note.isEmpty())
             o["note"] = m.note;
         list.append(o);
-        std::printf("%-28s %12.2f %-6s %10s %8s  %s\n", qPrintable(m.name), m.value,
-                    qPrintable(m.unit), m.floor >= 0 ? qPrintable(QString::number(m.floor)) : "",
-                    m.limit >= 0 ? qPrintable(QString::number(m.limit)) : "", qPrintable(m.note));
+        std::printf(
+            "%-28s %12.2f %-6s %10s %8s  %s\n", qPrintable(m.name), m.value, qPrintable(m.unit),
+            m.floor >= 0 ? qPrintable(QString::number(m.floor, 'f', 2)) : "",
+            m.limit >= 0 ? qPrintable(QString::number(m.limit, 'g', 4)) : "", qPrintable(m.note));
     }
     const QJsonObject doc {{"bench", "plugin"}, {"metrics", list}};
     std::printf("%s\n", QJsonDocument(doc).toJson(QJsonDocument::Compact).constData());
@@ -413,7 +761,21 @@ int main(int argc, char **argv)
     writeSettings(hostSettings.fileName());
     hostSettings.sync();
 
-    const int panel1 = vp::plug(QStringLiteral("BENCH0001"));
+    std::vector<int> panels {vp::plug(QStringLiteral("BENCH0001"))};
+    const int panel1 = panels.front();
+    vp::PanelInfo floorInfo;
+    floorInfo.serial = QStringLiteral("FLOOR");
+    floorInfo.productId = FloorProductId;
+    FloorReader floorReader(vp::plug(floorInfo));
+
+    // The stream floor, before any of the plug-in's threads exist.
+    double streamFloor = -1;
+    if (phase("sustained") || phase("vfo")) {
+        QObject context;
+        streamFloor = streamFloorCpu(floorReader, context);
+        add("stream_floor_cpu", streamFloor, "pct",
+            "1000 reports/s into a bare reader, one queued signal each; whole process");
+    }
 
     // Plug-in load to its first tab on screen.
     QWidget window;
@@ -450,28 +812,58 @@ int main(int argc, char **argv)
         return 1;
     }
 
-    add("idle_cpu_one_panel", idleCpu(3 * scale()), "pct");
-    latency(host, panel1);
-    sustained(host, panel1);
-    saturation(host, panel1);
-    vfoSpin(host, panel1);
+    showPage(window, false);
+    if (phase("idle")) {
+        const auto [idle, floor] = idleCpu(3 * scale());
+        add("idle_cpu_one_panel", idle, "pct", "floor: a bare thread waking every 5 ms, beside it",
+            floor, std::max(0.5, 1.2 * floor));
+    }
+    if (phase("latency"))
+        latency(host, panel1, floorReader);
+    if (phase("sustained"))
+        sustained(host, panel1, streamFloor);
+    if (phase("saturation"))
+        saturation(host, panel1);
+    if (phase("vfo"))
+        vfoSpin(host, panel1, streamFloor, 10 * scale(), false);
 
     // Failing reads on the open panel (as hidraw does after an unplug).
-    vp::setReadsFail(panel1, true);
-    add("failing_reads_cpu", idleCpu(3 * scale()), "pct", "one open panel whose reads fail");
-    vp::setReadsFail(panel1, false);
+    if (phase("failing")) {
+        vp::setReadsFail(panel1, true);
+        const auto [failing, floor] = idleCpu(3 * scale());
+        add("failing_reads_cpu", failing, "pct",
+            "one open panel whose reads fail; floor: a bare thread waking every 5 ms", floor,
+            std::max(0.5, 1.2 * floor));
+        vp::setReadsFail(panel1, false);
+    }
 
-    add("hotplug_cycle_per_panel", hotplugCycleMs(plugin, 10), "ms", "1 panel open");
+    // The options page on screen.
+    if (phase("shown")) {
+        showPage(window, true);
+        latency(host, panel1, floorReader, QStringLiteral("_page_shown"));
+        sustainedPageShown(host, panel1, streamFloor);
+        vfoSpin(host, panel1, streamFloor, 5 * scale(), true);
+        showPage(window, false);
+    }
 
-    const int panel2 = vp::plug(QStringLiteral("BENCH0002"));
-    QMetaObject::invokeMethod(plugin, "deviceChanged", Qt::DirectConnection);
-    settle(1500);
-    const int handles = vp::openHandles();
-    add("idle_cpu_two_panels", idleCpu(3 * scale()), "pct",
-        QStringLiteral("%1 controllers open").arg(handles));
-    add("hotplug_cycle_per_panel_2", hotplugCycleMs(plugin, 10) / std::max(1, handles), "ms",
-        QStringLiteral("%1 panels open").arg(handles));
-    vp::unplug(panel2);
+    if (phase("hotplug"))
+        add("hotplug_cycle_per_panel", hotplugCycleMs(plugin, 10), "ms", "1 panel open");
+
+    if (phase("two")) {
+        openPanels(plugin, panels, 2);
+        const int handles = vp::openHandles(panels.front());
+        const auto [idle, floor] = idleCpu(3 * scale());
+        add("idle_cpu_two_panels", idle, "pct",
+            QStringLiteral("%1 controllers open; floor: one bare thread waking every 5 ms")
+                .arg(handles),
+            floor);
+        add("hotplug_cycle_per_panel_2", hotplugCycleMs(plugin, 10) / std::max(1, handles), "ms",
+            QStringLiteral("%1 panels open").arg(handles));
+        openPanels(plugin, panels, 1);
+    }
+
+    if (phase("scaling"))
+        scaling(host, plugin, panels);
 
     print();
     if (qEnvironmentVariableIsSet("BENCH_VERBOSE")) {

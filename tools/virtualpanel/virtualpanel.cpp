@@ -38,6 +38,10 @@ struct Panel
     int readCalls = 0;
     int failedWrites = 0;
     int blockedWrites = 0;
+    // Wakes the readers of this panel only (input queued, unplugged, reads
+    // failing, a handle closed), as hidraw's poll wakes per device: the
+    // readers of other panels sleep on.
+    std::condition_variable readable;
 };
 
 struct Bus
@@ -142,6 +146,7 @@ void changeSwitches(int id, quint32 mask, bool on)
         return;
     panel->switches = next;
     queueStateLocked(*panel, -1, 0);
+    panel->readable.notify_all();
     bus().changed.notify_all();
 }
 
@@ -186,6 +191,7 @@ void unplug(int id)
         return;
     panel->plugged = false;
     panel->input.clear();
+    panel->readable.notify_all();
     bus().panels.erase(id);
     bus().changed.notify_all();
 }
@@ -196,6 +202,7 @@ void reset()
     for (auto &entry : bus().panels) {
         entry.second->plugged = false;
         entry.second->input.clear();
+        entry.second->readable.notify_all();
     }
     bus().panels.clear();
     bus().listeners.clear();
@@ -247,6 +254,7 @@ void queueReport(int id, const QByteArray &report)
     if (!panel)
         return;
     panel->input.push_back({report, false});
+    panel->readable.notify_all();
     bus().changed.notify_all();
 }
 
@@ -257,6 +265,7 @@ void queueReadError(int id)
     if (!panel)
         return;
     panel->input.push_back({QByteArray(), true});
+    panel->readable.notify_all();
     bus().changed.notify_all();
 }
 
@@ -285,6 +294,7 @@ void setSwitches(int id, quint32 word)
         return;
     panel->switches = word & 0xFFFFFF;
     queueStateLocked(*panel, -1, 0);
+    panel->readable.notify_all();
     bus().changed.notify_all();
 }
 
@@ -326,6 +336,7 @@ void turnDial(int id, int dial, int delta)
         queueStateLocked(*panel, dial, step);
         delta -= step;
     }
+    panel->readable.notify_all();
     bus().changed.notify_all();
 }
 
@@ -441,8 +452,10 @@ int enumerations()
 void setReadsFail(int id, bool fail)
 {
     std::lock_guard<std::mutex> lock(bus().mutex);
-    if (const auto panel = findLocked(id))
+    if (const auto panel = findLocked(id)) {
         panel->readsFail = fail;
+        panel->readable.notify_all();
+    }
     bus().changed.notify_all();
 }
 
@@ -512,9 +525,9 @@ int readLocked(std::unique_lock<std::mutex> &lock, hid_device *dev, unsigned cha
         return !panel.input.empty() || !panel.plugged || panel.readsFail || dev->closed;
     };
     if (milliseconds < 0)
-        bus().changed.wait(lock, ready);
+        panel.readable.wait(lock, ready);
     else if (milliseconds > 0)
-        bus().changed.wait_for(lock, std::chrono::milliseconds(milliseconds), ready);
+        panel.readable.wait_for(lock, std::chrono::milliseconds(milliseconds), ready);
 
     if (!panel.plugged) {
         dev->error = L"hid_read_timeout: device disconnected";
@@ -719,6 +732,7 @@ void HID_API_EXPORT HID_API_CALL hid_close(hid_device *dev)
         --dev->panel->handles;
         --bus().openHandles;
         freeInfo(dev->info);
+        dev->panel->readable.notify_all();
         bus().changed.notify_all();
     }
     delete dev;
