@@ -7,6 +7,7 @@
 ValueTimeout::ValueTimeout(QObject *parent)
     : QObject(parent)
 {
+    grid.start();
     timer.start(static_cast<int>(timeout), this);
 }
 
@@ -21,6 +22,8 @@ void ValueTimeout::setValue(QVariant val)
         return;
     value = val;
     changed = true;
+    if (!timer.isActive())
+        resume();
 }
 
 void ValueTimeout::setTimeout(uint val)
@@ -28,7 +31,19 @@ void ValueTimeout::setTimeout(uint val)
     if (val == timeout)
         return;
     timeout = std::clamp(val, MinimumTimeout, MaximumTimeout);
+    grid.start();
+    aligning = false;
     timer.start(static_cast<int>(timeout), this);
+}
+
+// Starts the resting timer for the time left to the grid's next tick.
+void ValueTimeout::resume()
+{
+    const qint64 interval = qint64(timeout) * 1000000;
+    const qint64 left = interval - grid.nsecsElapsed() % interval;
+    const int ms = int(std::max<qint64>(1, (left + 999999) / 1000000));
+    aligning = ms != int(timeout);
+    timer.start(ms, this);
 }
 
 void ValueTimeout::timerEvent(QTimerEvent *event)
@@ -37,8 +52,16 @@ void ValueTimeout::timerEvent(QTimerEvent *event)
         QObject::timerEvent(event);
         return;
     }
-    if (!changed)
+    if (!changed) {
+        // Nothing came since the last tick: rest until a value does.
+        aligning = false;
+        timer.stop();
         return;
+    }
+    if (aligning) {
+        aligning = false;
+        timer.start(static_cast<int>(timeout), this);
+    }
     const QVariant out = value;
     value = QVariant(0);
     changed = false;
