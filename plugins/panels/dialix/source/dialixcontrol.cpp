@@ -20,6 +20,7 @@
 #include <QSaveFile>
 #include <QSettings>
 #include <QTemporaryFile>
+#include <QThread>
 
 #include <algorithm>
 
@@ -39,6 +40,13 @@ constexpr quint32 PanelSource = 1;
 // PTT transfer modes (cbPttTransfer index).
 constexpr int PttToHost = 1;
 constexpr int PttToComPort = 2;
+
+// The event that wakes a controller to run the panel events handed to it.
+QEvent::Type panelEventType()
+{
+    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
+    return type;
+}
 
 // Runs one load of stored settings. A damaged file can hold a serialised value
 // ("@Variant(...)") whose length field makes Qt allocate without limit, and
@@ -132,12 +140,52 @@ DialixControl::DialixControl(QObject *parent)
     device.findDevices();
 
     connect(ui->chbEnable, &QCheckBox::toggled, this, &DialixControl::open);
-    connect(&device, &Dialix::button, this, &DialixControl::onButton);
-    connect(&device, &Dialix::dialButton, this, &DialixControl::onDialButton);
-    connect(&device, &Dialix::dial, this, &DialixControl::onDial);
-    connect(&device, &Dialix::ptt, this, &DialixControl::onPtt);
-    connect(&device, &Dialix::dash, this, &DialixControl::KeyDash);
-    connect(&device, &Dialix::dot, this, &DialixControl::KeyDot);
+    // The device's signals reach onButton, onDialButton, onDial, onPtt, KeyDash
+    // and KeyDot (dispatch()) on this thread, through panelEvent().
+    using E = PanelEvent;
+    const auto direct = Qt::DirectConnection;
+    connect(
+        &device, &Dialix::button, this,
+        [this](Dialix::Buttons b, bool s) {
+            panelEvent({E::Button, b, s});
+        },
+        direct);
+    connect(
+        &device, &Dialix::dialButton, this,
+        [this](Dialix::DialButtons b, bool s) {
+            panelEvent({E::DialButton, b, s});
+        },
+        direct);
+    connect(
+        &device, &Dialix::dial, this,
+        [this](Dialix::Dials d, int value) {
+            panelEvent({E::Dial, d, value});
+        },
+        direct);
+    connect(
+        &device, &Dialix::ptt, this,
+        [this](bool s) {
+            panelEvent({E::Ptt, s, 0});
+        },
+        direct);
+    connect(
+        &device, &Dialix::dash, this,
+        [this](bool s) {
+            panelEvent({E::Dash, s, 0});
+        },
+        direct);
+    connect(
+        &device, &Dialix::dot, this,
+        [this](bool s) {
+            panelEvent({E::Dot, s, 0});
+        },
+        direct);
+    valueTimeout.installEventFilter(this);
+    clock.start();
+    for (int j = 1; j < DialCount; ++j) {
+        if (QTimer *release = options->timers.value(j))
+            release->installEventFilter(this);
+    }
     connect(options, &DialixOptions::setLedKey, this, &DialixControl::onLedButtons);
     connect(options, &DialixOptions::setLedEncoder, this, &DialixControl::onLedEncoder);
     connect(ui->chbVfoB, &QCheckBox::toggled, this, &DialixControl::onVfoB);
@@ -358,6 +406,116 @@ void DialixControl::onPttTransferMode(int index)
 // ---------------------------------------------------------------------------
 // Panel events
 
+// Called on the thread that emitted the device's signal. An event emitted on
+// this thread runs at once. The reader thread's events are queued, and one
+// posted event per batch wakes this thread to run them in order: the five
+// signals of a report cost one wake-up, not five queued calls. A VFO encoder
+// movement wakes nobody while the coalescer is sure to tick within its
+// interval: the tick runs the queue first (eventFilter()), so the movement is
+// coalesced on that same tick, as if it had been delivered at once.
+void DialixControl::panelEvent(PanelEvent event)
+{
+    if (QThread::currentThread() == thread()) {
+        dispatch(event);
+        return;
+    }
+    const bool vfo = event.kind == PanelEvent::Dial && event.a == Dialix::Enc0;
+    bool wake = false;
+    {
+        std::lock_guard<std::mutex> lock(panelMutex);
+        panelEvents.push_back(event);
+        if (!panelWakePosted && !(vfo && vfoTickRuns)) {
+            panelWakePosted = true;
+            wake = true;
+        }
+    }
+    if (wake)
+        QCoreApplication::postEvent(this, new QEvent(panelEventType()));
+}
+
+// Runs the queued panel events one at a time, so that a slot that spins an
+// event loop (and so runs this again) keeps their order.
+void DialixControl::runPanelEvents()
+{
+    for (;;) {
+        PanelEvent event;
+        {
+            std::lock_guard<std::mutex> lock(panelMutex);
+            if (panelNext == panelEvents.size()) {
+                panelEvents.clear();
+                panelNext = 0;
+                // A pending value keeps the coalescer ticking: its next tick
+                // comes within the interval and runs the queue first.
+                vfoTickRuns = valueTimeout.isPending();
+                return;
+            }
+            event = panelEvents[panelNext++];
+        }
+        dispatch(event);
+    }
+}
+
+void DialixControl::dispatch(const PanelEvent &event)
+{
+    switch (event.kind) {
+    case PanelEvent::Button:
+        onButton(static_cast<Dialix::Buttons>(event.a), event.b);
+        break;
+    case PanelEvent::DialButton:
+        onDialButton(static_cast<Dialix::DialButtons>(event.a), event.b);
+        break;
+    case PanelEvent::Dial:
+        onDial(static_cast<Dialix::Dials>(event.a), event.b);
+        break;
+    case PanelEvent::Ptt:
+        onPtt(event.a);
+        break;
+    case PanelEvent::Dash:
+        KeyDash(event.a);
+        break;
+    case PanelEvent::Dot:
+        KeyDot(event.a);
+        break;
+    }
+}
+
+bool DialixControl::event(QEvent *event)
+{
+    if (event->type() != panelEventType())
+        return DialixAbstract::event(event);
+    {
+        std::lock_guard<std::mutex> lock(panelMutex);
+        panelWakePosted = false;
+    }
+    runPanelEvents();
+    return true;
+}
+
+bool DialixControl::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Timer)
+        return DialixAbstract::eventFilter(watched, event);
+    if (watched == &valueTimeout) {
+        // The coalescer's tick: the VFO movements that did not wake this
+        // thread reach it before it looks for a value.
+        runPanelEvents();
+        return false;
+    }
+    for (int j = 1; j < DialCount; ++j) {
+        QTimer *release = options ? options->timers.value(j) : nullptr;
+        if (!release || watched != release)
+            continue;
+        // The dial moved again after the timer started: let it run until
+        // DialReleaseMs after the last movement instead of un-lighting now.
+        const qint64 left = DialReleaseMs - (clock.elapsed() - dialMovedMs[j]);
+        if (left <= 0)
+            return false;
+        release->start(int(left));
+        return true;
+    }
+    return DialixAbstract::eventFilter(watched, event);
+}
+
 void DialixControl::onButton(Dialix::Buttons button, bool state)
 {
     using Slot = void (DialixControl::*)(bool);
@@ -506,10 +664,12 @@ void DialixControl::functionButton(int n, bool pressed)
 {
     QPushButton *button = funcButtons.value(n - 1);
     if (!pressed) {
-        // Functions act on the press; a release only ends the highlight.
+        // Functions act on the press; a release only ends the highlight. A
+        // button that is not checkable is not checked either; setChecked(false)
+        // would first search the whole panel picture for exclusive siblings.
         if (button) {
-            button->setChecked(false);
             button->setCheckable(false);
+            button->update();
         }
         return;
     }
@@ -526,9 +686,14 @@ void DialixControl::functionDial(int j, int value)
         button->setCheckable(true);
         button->setChecked(true);
     }
-    // The button stays lit until DialReleaseMs after the last movement.
-    if (QTimer *release = options->timers.value(j))
-        release->start(DialReleaseMs); // restarts a running timer
+    // The button stays lit until DialReleaseMs after the last movement. A
+    // running release timer is not restarted for every movement: when it fires
+    // too early, eventFilter() sets it again for the time that is left.
+    dialMovedMs[j] = clock.elapsed();
+    if (QTimer *release = options->timers.value(j)) {
+        if (!release->isActive())
+            release->start(DialReleaseMs);
+    }
     runDialFunction(checkedPosition(dialGroups.value(j)), value);
 }
 

@@ -8,12 +8,15 @@
 #include "plugins/panels/dialix/source/valuetimeout.h"
 #include "serial/serialportcontrol.h"
 
+#include <QElapsedTimer>
 #include <QList>
 #include <QPointer>
 #include <QTimer>
 #include <QVariant>
 
 #include <memory>
+#include <mutex>
+#include <vector>
 
 class QAction;
 class QActionGroup;
@@ -60,7 +63,9 @@ class qrvCommand;
 // from the function table; the checked action's position is the function id.
 //
 // Everything runs on the thread that created the controller (the host's GUI
-// thread); the device's reader thread reaches it through queued signals.
+// thread). The device's reader thread hands its events over in batches, one
+// wake-up of this thread per batch (see panelEvent()); the slots they call run
+// here, in the order the device emitted them.
 //
 // As a DialixAbstract it also offers the plug-in's operations for one panel:
 // command() is its codec, saveSettings/readSettings use the "/options.ini"
@@ -145,6 +150,10 @@ public:
     std::shared_ptr<qrvCommand> sharedCommand() const { return codec; }
     void setManager(DeviceManagerAbstract *manager) override { setDevManager(manager); }
 
+protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 public slots:
     void open(bool state);
     void terminate();
@@ -201,6 +210,18 @@ private slots:
     void onSerialPortOpen(bool state);
 
 private:
+    // One of the device's signals, as the reader thread hands it over.
+    struct PanelEvent
+    {
+        enum Kind : quint8 { Button, DialButton, Dial, Ptt, Dash, Dot };
+        Kind kind;
+        int a; // the button or dial; the state of PTT, dash and dot
+        int b; // the button's state or the dial's movement
+    };
+    void panelEvent(PanelEvent event);
+    void runPanelEvents();
+    void dispatch(const PanelEvent &event);
+
     using ButtonHandler = void (DialixControl::*)();
     using DialHandler = void (DialixControl::*)(int);
     static const ButtonHandler buttonHandlers[dialix::ButtonFunctionCount];
@@ -233,6 +254,13 @@ private:
     static int checkedPosition(const QActionGroup *group);
     static void checkPosition(QActionGroup *group, int position);
 
+    // Panel events on their way from the reader thread, guarded by panelMutex.
+    // Declared before `device`, whose reader thread adds to them until it stops.
+    std::mutex panelMutex;
+    std::vector<PanelEvent> panelEvents;
+    std::size_t panelNext = 0; // the next one to run
+    bool panelWakePosted = false; // a posted event will run them
+    bool vfoTickRuns = false; // the VFO coalescer's next tick will run them
     Dialix device;
     std::shared_ptr<qrvCommand> codec;
     QPointer<DialixOptions> options;
@@ -255,4 +283,7 @@ private:
     ValueTimeout valueTimeout;
     SerialPortControl serialPort;
     QTimer retryTimer;
+    // When each dial last moved (clock time, ms), for its button's release timer.
+    QElapsedTimer clock;
+    qint64 dialMovedMs[DialCount] = {};
 };
