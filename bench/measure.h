@@ -31,6 +31,15 @@ inline double processCpuSeconds()
         + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
+// Context switches of the whole process so far (voluntary and not): every
+// thread's every wake-up counts once.
+inline long contextSwitches()
+{
+    rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_nvcsw + usage.ru_nivcsw;
+}
+
 // CPU time used by the calling thread alone, in seconds.
 inline double threadCpuSeconds()
 {

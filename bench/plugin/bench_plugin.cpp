@@ -56,6 +56,7 @@
 #include <vector>
 
 namespace vp = VirtualPanel;
+using measure::contextSwitches;
 using measure::CpuMeter;
 using measure::percentile;
 using measure::residentKb;
@@ -334,27 +335,70 @@ void writeSettings(const QString &path)
     }
 }
 
+// CPU of a stream of reports, in percent of one core: the whole process, and
+// the driver thread's own share (the simulated panel, not the code under test).
+struct StreamCpu
+{
+    double whole = 0;
+    double driver = 0;
+    double switchesPerReport = 0; // context switches of the process per report
+    double plugin() const { return whole - driver; }
+};
+
+// Runs `reports` steps 1 ms apart on a driver thread, each calling `step(i)`,
+// and measures the CPU over them; then runs `after` on the driver thread.
+StreamCpu paced(int reports, const std::function<void(int)> &step,
+                const std::function<void()> &after)
+{
+    StreamCpu r;
+    CpuMeter cpu;
+    const long switches0 = contextSwitches();
+    drive([&] {
+        const double driver0 = threadCpuSeconds();
+        const auto start = Clock::now();
+        auto next = start;
+        for (int i = 0; i < reports; ++i) {
+            step(i);
+            next += std::chrono::microseconds(1000);
+            std::this_thread::sleep_until(next);
+        }
+        const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        r.whole = cpu.percent();
+        r.driver = 100.0 * (threadCpuSeconds() - driver0) / seconds;
+        r.switchesPerReport = double(contextSwitches() - switches0) / reports;
+        after();
+    });
+    return r;
+}
+
+QString cpuNote(const StreamCpu &r)
+{
+    return QStringLiteral("driver thread %1 %, %2 context switches per report")
+        .arg(r.driver, 0, 'f', 2)
+        .arg(r.switchesPerReport, 0, 'f', 2);
+}
+
+// The whole process, and the plug-in alone (the driver thread left out), each
+// beside its floor measured the same way.
+void addCpu(const QString &name, const StreamCpu &r, const StreamCpu &floor, double limit,
+            const QString &note = {})
+{
+    add(name, r.whole, "pct", QStringLiteral("whole process; ") + cpuNote(r) + note, floor.whole);
+    add(name + "_plugin", r.plugin(), "pct", "without the driver thread", floor.plugin(), limit);
+}
+
 // The sustained stream into a bare reader: the floor of every streaming figure.
-double streamFloorCpu(FloorReader &floor, QObject &context)
+StreamCpu streamFloorCpu(FloorReader &floor, QObject &context)
 {
     const int n = int(5000 * scale());
     std::atomic<int> received {0};
     floor.start(&context, [&received] { ++received; });
     settle(100);
-    CpuMeter cpu;
-    double percent = 0;
-    drive([&] {
-        auto next = Clock::now();
-        for (int i = 0; i < n; ++i) {
-            vp::queueReport(floor.id(), report(i % 2 ? 0 : 2u, 1, 1, -1, 1));
-            next += std::chrono::microseconds(1000);
-            std::this_thread::sleep_until(next);
-        }
-        percent = cpu.percent();
-        waitFor([&] { return received.load() >= n; }, 2000);
-    });
+    const StreamCpu r = paced(
+        n, [&](int i) { vp::queueReport(floor.id(), report(i % 2 ? 0 : 2u, 1, 1, -1, 1)); },
+        [&] { waitFor([&] { return received.load() >= n; }, 2000); });
     floor.stop();
-    return percent;
+    return r;
 }
 
 // One press after another, each timed from the report being queued to the host
@@ -415,8 +459,7 @@ void latency(Host &host, int panel, FloorReader &floorReader, const QString &suf
 struct StreamResult
 {
     double seconds = 0;
-    double cpu = 0; // whole process, percent of one core
-    double driverCpu = 0; // the driver thread's share
+    StreamCpu cpu;
     int edgesLost = 0;
     int dialsLost = 0;
     bool sumsRight = false;
@@ -441,13 +484,11 @@ StreamResult stream(Host &host, const std::vector<int> &panels, double seconds)
     for (auto &times : host.keyTimes)
         times.clear();
     host.recordKeys = true;
-    CpuMeter cpu;
     StreamResult r;
-    drive([&] {
-        const double driver0 = threadCpuSeconds();
-        const auto start = Clock::now();
-        auto next = start;
-        for (int i = 0; i < n; ++i) {
+    const auto start = Clock::now();
+    r.cpu = paced(
+        n,
+        [&](int i) {
             const int key = 1 + (i / 2) % 14;
             const quint32 word = (i % 2 == 0) ? (1u << key) : 0;
             for (int k = 0; k < count; ++k) {
@@ -455,15 +496,13 @@ StreamResult stream(Host &host, const std::vector<int> &panels, double seconds)
                     pressed[k].push_back(nowNs());
                 vp::queueReport(panels[std::size_t(k)], report(word, 1, 1, -1, 1));
             }
-            next += std::chrono::microseconds(1000);
-            std::this_thread::sleep_until(next);
-        }
-        r.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-        r.cpu = cpu.percent();
-        r.driverCpu = 100.0 * (threadCpuSeconds() - driver0) / r.seconds;
-        waitFor([&] { return host.count[CmdFilterLow] - before[CmdFilterLow] >= n * count; }, 5000);
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    });
+        },
+        [&] {
+            r.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+            waitFor([&] { return host.count[CmdFilterLow] - before[CmdFilterLow] >= n * count; },
+                    5000);
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        });
     host.recordKeys = false;
     const int presses = n / 2;
     std::vector<double> latencies;
@@ -485,13 +524,8 @@ StreamResult stream(Host &host, const std::vector<int> &panels, double seconds)
     return r;
 }
 
-QString driverNote(const StreamResult &r)
-{
-    return QStringLiteral("whole process; driver thread %1 %").arg(r.driverCpu, 0, 'f', 2);
-}
-
 // 1000 reports per second: each one a key edge and a movement of all four dials.
-void sustained(Host &host, int panel, double floorCpu)
+void sustained(Host &host, int panel, const StreamCpu &floor)
 {
     const StreamResult r = stream(host, {panel}, 10 * scale());
     add("sustained_edges_lost", r.edgesLost, "count",
@@ -502,18 +536,18 @@ void sustained(Host &host, int panel, double floorCpu)
                     : QStringLiteral("dials 1-3, VALUES DO NOT ADD UP"),
         -1, 0);
     add("sustained_vfo_commands", r.vfoPerPanel, "per_s", "dial 0 moved in every report", -1, 100);
-    add("sustained_cpu", r.cpu, "pct", driverNote(r), floorCpu, 5);
+    addCpu("sustained_cpu", r.cpu, floor, 5);
     add("sustained_edge_to_host_p50", r.p50, "us", "key edges within the stream");
     add("sustained_edge_to_host_p99", r.p99, "us");
 }
 
 // The same stream with the options page on screen: its buttons light and the
 // VFO indicator dial turns, so Qt paints what changed.
-void sustainedPageShown(Host &host, int panel, double floorCpu)
+void sustainedPageShown(Host &host, int panel, const StreamCpu &floor)
 {
     const StreamResult r = stream(host, {panel}, 5 * scale());
-    add("sustained_cpu_page_shown", r.cpu, "pct",
-        driverNote(r) + QStringLiteral("; %1 lost").arg(r.edgesLost + r.dialsLost), floorCpu);
+    addCpu("sustained_cpu_page_shown", r.cpu, floor, -1,
+           QStringLiteral("; %1 lost").arg(r.edgesLost + r.dialsLost));
 }
 
 // Raises the report rate until the commands arrive later than 50 ms after the
@@ -564,7 +598,7 @@ void saturation(Host &host, int panel)
 }
 
 // The VFO encoder reports every millisecond for `seconds`; then one last movement.
-void vfoSpin(Host &host, int panel, double floorCpu, double seconds, bool pageShown)
+void vfoSpin(Host &host, int panel, const StreamCpu &floor, double seconds, bool pageShown)
 {
     const int n = int(1000 * seconds);
     const int before = host.count[CmdVfo];
@@ -572,30 +606,17 @@ void vfoSpin(Host &host, int panel, double floorCpu, double seconds, bool pageSh
     host.recordVfo = true;
     qint64 lastSent = 0;
     bool lastArrived = false;
-    double cpuPercent = 0, driverPercent = 0;
-    CpuMeter cpu;
-    drive([&] {
-        const double driver0 = threadCpuSeconds();
-        const auto start = Clock::now();
-        auto next = start;
-        for (int i = 0; i < n; ++i) {
-            vp::queueReport(panel, report(0, 1));
-            next += std::chrono::microseconds(1000);
-            std::this_thread::sleep_until(next);
-        }
-        cpuPercent = cpu.percent();
-        driverPercent = 100.0 * (threadCpuSeconds() - driver0)
-            / std::chrono::duration<double>(Clock::now() - start).count();
-        std::this_thread::sleep_for(std::chrono::milliseconds(3));
-        lastSent = nowNs();
-        vp::queueReport(panel, report(0, 7));
-        lastArrived = waitFor([&] { return host.lastValue[CmdVfo] == 7; }, 1000);
-    });
+    const StreamCpu cpu = paced(
+        n, [&](int) { vp::queueReport(panel, report(0, 1)); },
+        [&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(3));
+            lastSent = nowNs();
+            vp::queueReport(panel, report(0, 7));
+            lastArrived = waitFor([&] { return host.lastValue[CmdVfo] == 7; }, 1000);
+        });
     host.recordVfo = false;
-    const QString note =
-        QStringLiteral("whole process; driver thread %1 %").arg(driverPercent, 0, 'f', 2);
     if (pageShown) {
-        add("vfo_spin_cpu_page_shown", cpuPercent, "pct", note, floorCpu);
+        addCpu("vfo_spin_cpu_page_shown", cpu, floor, -1);
         return;
     }
     const int commands = host.count[CmdVfo] - before;
@@ -612,7 +633,7 @@ void vfoSpin(Host &host, int panel, double floorCpu, double seconds, bool pageSh
         "busiest sliding 1 s window (Qt's coarse timers may fire a tick up to 5 % early)", -1, 100);
     add("vfo_last_move_delay", lastArrived ? double(host.lastNs[CmdVfo] - lastSent) / 1e6 : -1,
         "ms", lastArrived ? QString() : QStringLiteral("LAST MOVEMENT STRANDED"), -1, 20);
-    add("vfo_spin_cpu", cpuPercent, "pct", note, floorCpu, 3);
+    addCpu("vfo_spin_cpu", cpu, floor, 3);
 }
 
 // CPU of the idle plug-in and, beside it, of a bare thread waking every 5 ms
@@ -675,28 +696,20 @@ void scaling(Host &host, QObject *root, std::vector<int> &panels)
         queued.reserve(std::size_t(reports));
         host.micGainTimes.clear();
         host.recordKeys = true;
-        double cpuPercent = 0, driverPercent = 0;
-        CpuMeter cpu;
-        drive([&] {
-            const double driver0 = threadCpuSeconds();
-            const auto start = Clock::now();
-            auto next = start;
-            for (int i = 0; i < reports; i += count) {
-                for (int k = i; k < i + count; ++k) {
+        const StreamCpu cpu = paced(
+            reports / count,
+            [&](int i) {
+                for (int k = i * count; k < (i + 1) * count; ++k) {
                     const int key = 1 + (k / 2) % 14;
                     queued.push_back(nowNs());
                     vp::queueReport(panels.front(),
                                     report(k % 2 == 0 ? 1u << key : 0, 1, 1 + k % 100, -1, 1));
                 }
-                next += std::chrono::microseconds(1000);
-                std::this_thread::sleep_until(next);
-            }
-            const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-            cpuPercent = cpu.percent();
-            driverPercent = 100.0 * (threadCpuSeconds() - driver0) / seconds;
-            waitFor([&] { return host.count[CmdFilterLow] - before[2] >= reports; }, 5000);
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        });
+            },
+            [&] {
+                waitFor([&] { return host.count[CmdFilterLow] - before[2] >= reports; }, 5000);
+                std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            });
         host.recordKeys = false;
         const int lost = 3 * reports - (host.count[CmdMicGain] - before[0])
             - (host.count[CmdSql] - before[1]) - (host.count[CmdFilterLow] - before[2]);
@@ -710,13 +723,14 @@ void scaling(Host &host, QObject *root, std::vector<int> &panels)
             if (k < queued.size())
                 latencies.push_back(double(arrived - queued[k]) / 1000.0);
         }
-        add("scaling_cpu_" + n, cpuPercent, "pct",
-            QStringLiteral("%1 panel(s), %2 reports/s in all; driver thread %3 %; %4 dial moves "
+        add("scaling_cpu_" + n, cpu.whole, "pct",
+            QStringLiteral("whole process; %1 panel(s), %2 reports/s in all; %3; %4 dial moves "
                            "lost")
                 .arg(count)
                 .arg(count * 1000)
-                .arg(driverPercent, 0, 'f', 2)
+                .arg(cpuNote(cpu))
                 .arg(lost));
+        add("scaling_cpu_plugin_" + n, cpu.plugin(), "pct", "without the driver thread");
         add("scaling_event_to_host_p50_" + n, percentile(latencies, 50), "us");
         add("scaling_event_to_host_p99_" + n, percentile(latencies, 99), "us");
     }
@@ -769,12 +783,13 @@ int main(int argc, char **argv)
     FloorReader floorReader(vp::plug(floorInfo));
 
     // The stream floor, before any of the plug-in's threads exist.
-    double streamFloor = -1;
-    if (phase("sustained") || phase("vfo")) {
+    StreamCpu streamFloor;
+    if (phase("sustained") || phase("vfo") || phase("shown")) {
         QObject context;
         streamFloor = streamFloorCpu(floorReader, context);
-        add("stream_floor_cpu", streamFloor, "pct",
-            "1000 reports/s into a bare reader, one queued signal each; whole process");
+        add("stream_floor_cpu", streamFloor.whole, "pct",
+            "1000 reports/s into a bare reader, one queued signal each; whole process; "
+                + cpuNote(streamFloor));
     }
 
     // Plug-in load to its first tab on screen.
