@@ -1,20 +1,38 @@
 #include "command/qrvcommand.h"
 
+#include <QThread>
+
 #include <array>
+#include <atomic>
 
 namespace {
 
 // Element access without Qt's conversion handler, for the element types that
-// encoders send. The results are the same bits that the general conversion
-// gives (an int conversion of a uint, a signed conversion of a qulonglong).
+// encoders send: QVariant keeps these built-in types inside itself, and its
+// data_ptr() shows the type and the value in place (the same as userType() and
+// constData(), without a call). Elements of these types are read directly; any
+// other type takes Qt's conversion, which gives the same values for these (the
+// same bits as an int conversion of a uint, a signed conversion of a qulonglong).
+inline int typeOf(const QVariant &v)
+{
+    return int(v.data_ptr().type);
+}
 template<class T>
 const T &raw(const QVariant &v)
 {
-    return *static_cast<const T *>(v.constData());
+    return *reinterpret_cast<const T *>(&v.data_ptr().data);
+}
+inline int toInt(const QVariant &v)
+{
+    return typeOf(v) == QMetaType::Int ? raw<int>(v) : v.toInt();
+}
+inline bool toBool(const QVariant &v)
+{
+    return typeOf(v) == QMetaType::Bool ? raw<bool>(v) : v.toBool();
 }
 inline qlonglong toSigned64(const QVariant &v)
 {
-    return v.userType() == QMetaType::ULongLong ? qlonglong(raw<qulonglong>(v)) : v.toLongLong();
+    return typeOf(v) == QMetaType::ULongLong ? qlonglong(raw<qulonglong>(v)) : v.toLongLong();
 }
 
 // Encoding and decoding of one parameter code of the command table. encode()
@@ -26,43 +44,58 @@ struct CodecU
     static QVariant encode(uint v) { return QVariant(v); }
     static uint decode(const QVariant &v)
     {
-        return v.userType() == QMetaType::UInt ? raw<uint>(v) : uint(v.toInt());
+        return typeOf(v) == QMetaType::UInt ? raw<uint>(v) : uint(v.toInt());
     }
 };
 struct CodecUU
 {
     static QVariant encode(uint v) { return QVariant(v); }
-    static uint decode(const QVariant &v) { return v.toUInt(); }
+    static uint decode(const QVariant &v)
+    {
+        return typeOf(v) == QMetaType::UInt ? raw<uint>(v) : v.toUInt();
+    }
 };
 struct CodecI
 {
     static QVariant encode(int v) { return QVariant(v); }
-    static int decode(const QVariant &v) { return v.toInt(); }
+    static int decode(const QVariant &v) { return toInt(v); }
 };
 struct CodecB
 {
     static QVariant encode(bool v) { return QVariant(v); }
-    static bool decode(const QVariant &v) { return v.toBool(); }
+    static bool decode(const QVariant &v) { return toBool(v); }
 };
 struct CodecBI
 {
     static QVariant encode(bool v) { return QVariant(v); }
-    static bool decode(const QVariant &v) { return v.toInt() != 0; }
+    static bool decode(const QVariant &v)
+    {
+        return typeOf(v) == QMetaType::Bool ? raw<bool>(v) : v.toInt() != 0;
+    }
 };
 struct CodecBU
 {
     static QVariant encode(bool v) { return QVariant(uint(v ? 1 : 0)); }
-    static bool decode(const QVariant &v) { return v.toBool(); }
+    static bool decode(const QVariant &v)
+    {
+        return typeOf(v) == QMetaType::UInt ? raw<uint>(v) != 0 : v.toBool();
+    }
 };
 struct CodecD
 {
     static QVariant encode(double v) { return QVariant(v); }
-    static double decode(const QVariant &v) { return v.toDouble(); }
+    static double decode(const QVariant &v)
+    {
+        return typeOf(v) == QMetaType::Double ? raw<double>(v) : v.toDouble();
+    }
 };
 struct CodecULL
 {
     static QVariant encode(qulonglong v) { return QVariant(v); }
-    static qulonglong decode(const QVariant &v) { return v.toULongLong(); }
+    static qulonglong decode(const QVariant &v)
+    {
+        return typeOf(v) == QMetaType::ULongLong ? raw<qulonglong>(v) : v.toULongLong();
+    }
 };
 struct CodecL
 {
@@ -96,7 +129,7 @@ struct CodecIL
         QList<int> values;
         values.reserve(inner.size());
         for (const QVariant &e : inner)
-            values.append(e.toInt());
+            values.append(toInt(e));
         return values;
     }
 };
@@ -134,16 +167,46 @@ const QVariant &element(const QVariantList &message, int pos)
 // ---------------------------------------------------------------------------
 // Encoders
 
+// Emits the message made of `elements` (QVariants: the id, then the
+// arguments). A message is a new list for every receiver that keeps it; but
+// the list of the last message of the same length, once nobody holds it any
+// more, is filled with the new elements instead of allocating another list and
+// its elements: a steady stream of commands then allocates nothing. The spare
+// lists are touched only on the object's own thread; an encoder called from
+// another thread builds a new list.
+template<typename... Elements>
+void qrvCommand::send(Elements &&...elements)
+{
+    constexpr int length = int(sizeof...(Elements));
+    static_assert(length >= 1 && length <= MaxMessageLength, "a message is 1 to 5 elements");
+    QVariant *spare = QThread::currentThread() == thread() ? &spareMessages[length - 1] : nullptr;
+    if (spare && spare->isValid()
+        && static_cast<const QVariantList *>(spare->constData())->isDetached()) {
+        // Whoever held it last, maybe on another thread, has released it; the
+        // fence orders that release before the writes below.
+        std::atomic_thread_fence(std::memory_order_acquire);
+        auto &list = *static_cast<QVariantList *>(spare->data());
+        int i = 0;
+        (void(list[i++] = std::move(elements)), ...);
+        emit sCommand(QVariant(list));
+        return;
+    }
+    const QVariant message(QVariantList {std::move(elements)...});
+    if (spare)
+        *spare = message;
+    emit sCommand(message);
+}
+
 // clang-format off
 #define QRV_ENCODE(code, name, pos) Codec##code::encode(name)
 #define QRV_DEFINE_C_ENCODER(id, slot, signal, n, args) \
     void qrvCommand::slot(QRV_MAP(QRV_PARAM_DECL, n, args)) \
     { \
-        send({QVariant(int(id)) QRV_CALL(QRV_COMMA_IF_##n, ()) QRV_MAP(QRV_ENCODE, n, args)}); \
+        send(QVariant(int(id)) QRV_CALL(QRV_COMMA_IF_##n, ()) QRV_MAP(QRV_ENCODE, n, args)); \
     }
 #define QRV_DEFINE_E_ENCODER(id, slot, n, args) QRV_DEFINE_C_ENCODER(id, slot, -, n, args)
 #define QRV_DEFINE_F_ENCODER(id, slot, signal, value) \
-    void qrvCommand::slot() { send({QVariant(int(id)), QVariant(value)}); }
+    void qrvCommand::slot() { send(QVariant(int(id)), QVariant(value)); }
 #define QRV_COMMA_IF_0()
 #define QRV_COMMA_IF_1() ,
 #define QRV_COMMA_IF_2() ,
@@ -152,11 +215,6 @@ const QVariant &element(const QVariantList &message, int pos)
 
 QRV_COMMANDS(QRV_DEFINE_C_ENCODER, QRV_DEFINE_E_ENCODER, QRV_NOTHING, QRV_DEFINE_F_ENCODER)
 // clang-format on
-
-void qrvCommand::send(QVariantList &&message)
-{
-    emit sCommand(QVariant(message));
-}
 
 // ---------------------------------------------------------------------------
 // Dispatcher
@@ -245,16 +303,16 @@ static_assert(qrv::signalCount == 193 && qrv::encoderCount == 193, "193 signals 
 
 } // namespace
 
-void qrvCommand::setCommand(QVariant cmd)
+void qrvCommand::setCommand(const QVariant &cmd)
 {
     if (cmd.userType() != QMetaType::QVariantList)
         return;
-    // `cmd` is our own copy, so the list stays valid even if a receiver
+    // A list of our own (a shared copy), so it stays valid even if a receiver
     // changes the caller's variant.
-    const auto &message = *static_cast<const QVariantList *>(cmd.constData());
+    const QVariantList message = *static_cast<const QVariantList *>(cmd.constData());
     if (message.isEmpty())
         return;
-    const int id = message.at(0).toInt();
+    const int id = toInt(message.at(0));
     if (uint(id) >= uint(qrv::commandCount))
         return;
 
@@ -262,7 +320,7 @@ void qrvCommand::setCommand(QVariant cmd)
     for (int i = route.first; i < route.first + route.count; ++i) {
         const qrv::Guard guard = qrv::decodedSignals[i].guard;
         if (guard != qrv::Guard::Always
-            && element(message, 1).toBool() != (guard == qrv::Guard::IfTrue))
+            && toBool(element(message, 1)) != (guard == qrv::Guard::IfTrue))
             continue;
         QrvDispatch::decoders[i](*this, message);
     }

@@ -18,8 +18,9 @@
 // and signal lists below are that table's expansion.
 //
 // The codec keeps no state between calls apart from the last CW-key object
-// announced by a received message. Signals are emitted synchronously in the
-// calling thread.
+// announced by a received message, and one spare message per length that an
+// encoder fills anew once nobody holds it any more (see send()). Signals are
+// emitted synchronously in the calling thread.
 class qrvCommand : public QObject
 {
     Q_OBJECT
@@ -40,13 +41,19 @@ public slots:
     QRV_COMMANDS(QRV_DECLARE_C_SLOT, QRV_DECLARE_E_SLOT, QRV_NOTHING, QRV_DECLARE_F_SLOT)
 
     // Decodes one message and emits its signal. Anything that is not a
-    // message of a known id is dropped without a trace.
-    void setCommand(QVariant cmd);
+    // message of a known id is dropped without a trace. (Taken by reference:
+    // the meta-method is the same "setCommand(QVariant)", and a call copies
+    // only the list, not the variant around it.)
+    void setCommand(const QVariant &cmd);
 
 private:
     friend struct QrvDispatch;
 
-    void send(QVariantList &&message);
+    template<typename... Elements>
+    void send(Elements &&...elements);
+
+    // The longest message: the id and four arguments.
+    static constexpr int MaxMessageLength = 5;
 
     CwKeyControlAbstract *cwKeyObject = nullptr;
 
@@ -56,4 +63,8 @@ private:
     std::unique_ptr<quint8[]> reservedBytes;
     std::unique_ptr<quint32[]> reservedWords;
     std::unique_ptr<quint64[]> reservedLongs;
+
+    // The last message sent of each length (index: length - 1), used on the
+    // object's own thread only.
+    QVariant spareMessages[MaxMessageLength];
 };
