@@ -48,6 +48,13 @@ QEvent::Type panelEventType()
     return type;
 }
 
+// Entry i of a list of the page's buttons, or null; without copying the guard
+// (a copy counts a reference up and down again on every press and movement).
+QPushButton *buttonAt(const QList<QPointer<QPushButton>> &buttons, int i)
+{
+    return i >= 0 && i < buttons.size() ? buttons.at(i).data() : nullptr;
+}
+
 // Runs one load of stored settings. A damaged file can hold a serialised value
 // ("@Variant(...)") whose length field makes Qt allocate without limit, and
 // QSettings::value() then throws std::bad_alloc; nothing may throw into the
@@ -662,7 +669,7 @@ void DialixControl::Enc3(int Val)
 
 void DialixControl::functionButton(int n, bool pressed)
 {
-    QPushButton *button = funcButtons.value(n - 1);
+    QPushButton *button = buttonAt(funcButtons, n - 1);
     if (!pressed) {
         // Functions act on the press; a release only ends the highlight. A
         // button that is not checkable is not checked either; setChecked(false)
@@ -682,7 +689,7 @@ void DialixControl::functionButton(int n, bool pressed)
 
 void DialixControl::functionDial(int j, int value)
 {
-    if (QPushButton *button = dialButtons.value(j)) {
+    if (QPushButton *button = buttonAt(dialButtons, j)) {
         button->setCheckable(true);
         button->setChecked(true);
     }
