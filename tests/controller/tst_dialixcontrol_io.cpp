@@ -157,6 +157,30 @@ private slots:
                                   (QStringList {"setTrx(1,1,true)", "setKey(1,1,true,false)",
                                                 "setKey(1,1,true,true)", "setKey(1,1,false,true)"}),
                                   5000);
+
+        // Reports queued back to back cross in batches: every edge and
+        // movement arrives, in the order the panel sent them.
+        rig.sent.clear();
+        QStringList burst;
+        for (int i = 0; i < 300; ++i) {
+            vp::queueReport(panel, vp::makeReport(i % 2 ? 0 : 1u << 3, 0, 0, 1 + i % 100));
+            if (i % 2 == 0)
+                burst << describeMessage({110, 1u});
+            burst << describeMessage({144, 1u, 1 + i % 100});
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(rig.sent.size(), burst.size(), 5000);
+        QCOMPARE(rig.sent, burst);
+
+        // A VFO spin's movements reach the coalescer without waking this
+        // thread each; the last one after a pause is not stranded.
+        rig.sent.clear();
+        for (int i = 0; i < 40; ++i) {
+            vp::turnDial(panel, 0, 1);
+            QTest::qWait(1);
+        }
+        QTest::qWait(25);
+        vp::turnDial(panel, 0, 7);
+        QTRY_VERIFY_WITH_TIMEOUT(rig.sent.endsWith(describeMessage({143, 1u, 0u, 7})), 5000);
     }
 
     // While "Enable" is ticked and no panel opens, the controller looks again

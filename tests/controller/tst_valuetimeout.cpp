@@ -67,6 +67,25 @@ private slots:
         QCOMPARE(emitted(spy), (QVariantList {1, 1}));
     }
 
+    // Values streaming in after the timer rested: still one emission per tick
+    // at most, however the first tick was lined up.
+    void oneEmissionPerIntervalAfterRest()
+    {
+        ValueTimeout vt;
+        QSignalSpy spy(&vt, &ValueTimeout::valueChanged);
+        QTest::qWait(35); // the timer rests, half-way between two ticks
+        QElapsedTimer clock;
+        clock.start();
+        for (int v = 1; clock.elapsed() < 100; ++v) {
+            vt.setValue(v);
+            QTest::qWait(1);
+        }
+        const qint64 streamed = clock.elapsed();
+        QTRY_VERIFY_WITH_TIMEOUT(!vt.isPending(), 5000);
+        QVERIFY(spy.count() >= 1);
+        QVERIFY2(spy.count() <= streamed / 10 + 2, qPrintable(QString::number(spy.count())));
+    }
+
     void timeoutIsClamped_data()
     {
         QTest::addColumn<uint>("requested");
