@@ -7,6 +7,20 @@
 
 namespace {
 
+// ThreadSanitizer does not model the fence that makes reusing a message safe
+// after another thread let go of it (send()), so its builds always allocate.
+#if defined(__SANITIZE_THREAD__)
+constexpr bool ReuseMessages = false;
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+constexpr bool ReuseMessages = false;
+#else
+constexpr bool ReuseMessages = true;
+#endif
+#else
+constexpr bool ReuseMessages = true;
+#endif
+
 // Element access without Qt's conversion handler, for the element types that
 // encoders send: QVariant keeps these built-in types inside itself, and its
 // data_ptr() shows the type and the value in place (the same as userType() and
@@ -179,12 +193,15 @@ void qrvCommand::send(Elements &&...elements)
 {
     constexpr int length = int(sizeof...(Elements));
     static_assert(length >= 1 && length <= MaxMessageLength, "a message is 1 to 5 elements");
-    QVariant *spare = QThread::currentThread() == thread() ? &spareMessages[length - 1] : nullptr;
+    QVariant *spare = ReuseMessages && QThread::currentThread() == thread()
+        ? &spareMessages[length - 1]
+        : nullptr;
     if (spare && spare->isValid()
         && static_cast<const QVariantList *>(spare->constData())->isDetached()) {
         // Whoever held it last, maybe on another thread, has released it; the
         // fence orders that release before the writes below.
-        std::atomic_thread_fence(std::memory_order_acquire);
+        if constexpr (ReuseMessages)
+            std::atomic_thread_fence(std::memory_order_acquire);
         auto &list = *static_cast<QVariantList *>(spare->data());
         int i = 0;
         (void(list[i++] = std::move(elements)), ...);

@@ -345,10 +345,11 @@ struct StreamCpu
     double plugin() const { return whole - driver; }
 };
 
-// Runs `reports` steps 1 ms apart on a driver thread, each calling `step(i)`,
-// and measures the CPU over them; then runs `after` on the driver thread.
-StreamCpu paced(int reports, const std::function<void(int)> &step,
-                const std::function<void()> &after)
+// Runs `steps` steps 1 ms apart on a driver thread, each calling `step(i)`
+// (which queues `reportsPerStep` reports), and measures the CPU over them; then
+// runs `after` on the driver thread.
+StreamCpu paced(int steps, const std::function<void(int)> &step, const std::function<void()> &after,
+                int reportsPerStep = 1)
 {
     StreamCpu r;
     CpuMeter cpu;
@@ -357,7 +358,7 @@ StreamCpu paced(int reports, const std::function<void(int)> &step,
         const double driver0 = threadCpuSeconds();
         const auto start = Clock::now();
         auto next = start;
-        for (int i = 0; i < reports; ++i) {
+        for (int i = 0; i < steps; ++i) {
             step(i);
             next += std::chrono::microseconds(1000);
             std::this_thread::sleep_until(next);
@@ -365,7 +366,7 @@ StreamCpu paced(int reports, const std::function<void(int)> &step,
         const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
         r.whole = cpu.percent();
         r.driver = 100.0 * (threadCpuSeconds() - driver0) / seconds;
-        r.switchesPerReport = double(contextSwitches() - switches0) / reports;
+        r.switchesPerReport = double(contextSwitches() - switches0) / steps / reportsPerStep;
         after();
     });
     return r;
@@ -709,7 +710,8 @@ void scaling(Host &host, QObject *root, std::vector<int> &panels)
             [&] {
                 waitFor([&] { return host.count[CmdFilterLow] - before[2] >= reports; }, 5000);
                 std::this_thread::sleep_for(std::chrono::milliseconds(50));
-            });
+            },
+            count);
         host.recordKeys = false;
         const int lost = 3 * reports - (host.count[CmdMicGain] - before[0])
             - (host.count[CmdSql] - before[1]) - (host.count[CmdFilterLow] - before[2]);

@@ -427,17 +427,20 @@ void DialixControl::panelEvent(PanelEvent event)
         return;
     }
     const bool vfo = event.kind == PanelEvent::Dial && event.a == Dialix::Enc0;
-    bool wake = false;
+    QEvent *wake = nullptr;
     {
         std::lock_guard<std::mutex> lock(panelMutex);
         panelEvents.push_back(event);
         if (!panelWakePosted && !(vfo && vfoTickRuns)) {
             panelWakePosted = true;
-            wake = true;
+            // Made under the lock that customEvent() takes before it looks at
+            // the event, so that the hand-over is ordered by a lock that
+            // ThreadSanitizer sees, not only by Qt's own posting lock.
+            wake = new QEvent(panelEventType());
         }
     }
     if (wake)
-        QCoreApplication::postEvent(this, new QEvent(panelEventType()));
+        QCoreApplication::postEvent(this, wake);
 }
 
 // Runs the queued panel events one at a time, so that a slot that spins an
@@ -486,16 +489,17 @@ void DialixControl::dispatch(const PanelEvent &event)
     }
 }
 
-bool DialixControl::event(QEvent *event)
+void DialixControl::customEvent(QEvent *event)
 {
-    if (event->type() != panelEventType())
-        return DialixAbstract::event(event);
-    {
-        std::lock_guard<std::mutex> lock(panelMutex);
-        panelWakePosted = false;
+    std::unique_lock<std::mutex> lock(panelMutex);
+    if (event->type() != panelEventType()) {
+        lock.unlock();
+        DialixAbstract::customEvent(event);
+        return;
     }
+    panelWakePosted = false;
+    lock.unlock();
     runPanelEvents();
-    return true;
 }
 
 bool DialixControl::eventFilter(QObject *watched, QEvent *event)

@@ -151,7 +151,7 @@ public:
     void setManager(DeviceManagerAbstract *manager) override { setDevManager(manager); }
 
 protected:
-    bool event(QEvent *event) override;
+    void customEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 public slots:
