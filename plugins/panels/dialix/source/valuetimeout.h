@@ -32,8 +32,6 @@ public:
     uint interval() const { return timeout; }
     QVariant pendingValue() const { return value; }
     bool isPending() const { return changed; }
-    // False while the timer rests (nothing pending since its last tick).
-    bool isTicking() const { return timer.isActive(); }
 
 signals:
     void valueChanged(QVariant value);
