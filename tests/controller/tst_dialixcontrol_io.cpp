@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include <functional>
+#include <thread>
 
 // The controller with its panel open on the virtual panel (reader thread
 // running): LEDs, panel events, the opening retry loop; and the PTT, paddle and
@@ -181,6 +182,11 @@ private slots:
         QTest::qWait(25);
         vp::turnDial(panel, 0, 7);
         QTRY_VERIFY_WITH_TIMEOUT(rig.sent.endsWith(describeMessage({143, 1u, 0u, 7})), 5000);
+
+        // The device's signals emitted on yet another thread arrive as well.
+        rig.sent.clear();
+        std::thread([&rig] { emit rig.ctrl.panel().button(Dialix::Key3, true); }).join();
+        QTRY_COMPARE_WITH_TIMEOUT(rig.sent, msg({110, 1u}), 5000);
     }
 
     // While "Enable" is ticked and no panel opens, the controller looks again

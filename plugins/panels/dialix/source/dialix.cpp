@@ -158,6 +158,8 @@ void Dialix::processReport(const unsigned char *data, int length)
     }
 
     previousSwitches = switches;
+    if (reportDone)
+        reportDone();
 }
 
 void Dialix::waitForWrites(std::chrono::steady_clock::time_point deadline)

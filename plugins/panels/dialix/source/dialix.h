@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 
 #include <hidapi.h>
@@ -130,6 +131,11 @@ public:
     // every read; while the panel is closed it may be called on any one thread.
     void processReport(const unsigned char *data, int length);
 
+    // Called after the signals of every decoded report, on the thread that
+    // decoded it, so that a receiver on another thread can take a report's
+    // signals over as one batch. Set it while the panel is closed.
+    void setReportDone(std::function<void()> done) { reportDone = std::move(done); }
+
     // True from a successful openDevice() until closeDevice().
     bool isOpen() const { return running.load(); }
     // The panels found by the last findDevices(), in hidapi's order.
@@ -161,6 +167,7 @@ private:
     unsigned char inputBuffer[ReportSize] = {};
     unsigned char ledReport[LedReportSize] = {};
     QQueue<QByteArray> writeQueue;
+    std::function<void()> reportDone;
     std::mutex queueMutex;
     std::condition_variable queueCondition;
 };

@@ -187,6 +187,7 @@ DialixControl::DialixControl(QObject *parent)
             panelEvent({E::Dot, s, 0});
         },
         direct);
+    device.setReportDone([this] { panelReportDone(); });
     valueTimeout.installEventFilter(this);
     clock.start();
     for (int j = 1; j < DialCount; ++j) {
@@ -414,15 +415,18 @@ void DialixControl::onPttTransferMode(int index)
 // Panel events
 
 // Called on the thread that emitted the device's signal. An event emitted on
-// this thread runs at once. The reader thread's events are queued, and one
-// posted event per batch wakes this thread to run them in order: the five
-// signals of a report cost one wake-up, not five queued calls. A VFO encoder
-// movement wakes nobody while the coalescer is sure to tick within its
-// interval: the tick runs the queue first (eventFilter()), so the movement is
-// coalesced on that same tick, as if it had been delivered at once.
+// this thread runs at once. The reader thread's events are queued, and once a
+// report's signals are all there (panelReportDone()) one posted event wakes
+// this thread to run them in order: the five signals of a report cost one
+// wake-up, not five queued calls. A VFO encoder movement wakes nobody while the
+// coalescer is sure to tick within its interval: the tick runs the queue first
+// (eventFilter()), so the movement is coalesced on that same tick, as if it had
+// been delivered at once. Events emitted on any other thread wake this one at
+// once.
 void DialixControl::panelEvent(PanelEvent event)
 {
-    if (QThread::currentThread() == thread()) {
+    QThread *current = QThread::currentThread();
+    if (current == thread()) {
         dispatch(event);
         return;
     }
@@ -431,16 +435,39 @@ void DialixControl::panelEvent(PanelEvent event)
     {
         std::lock_guard<std::mutex> lock(panelMutex);
         panelEvents.push_back(event);
-        if (!panelWakePosted && !(vfo && vfoTickRuns)) {
-            panelWakePosted = true;
-            // Made under the lock that customEvent() takes before it looks at
-            // the event, so that the hand-over is ordered by a lock that
-            // ThreadSanitizer sees, not only by Qt's own posting lock.
-            wake = new QEvent(panelEventType());
-        }
+        panelUrgent = panelUrgent || !(vfo && vfoTickRuns);
+        if (current != &device)
+            wake = takeWakeLocked();
     }
     if (wake)
         QCoreApplication::postEvent(this, wake);
+}
+
+// The device decoded a report and emitted its signals (on its reader thread).
+void DialixControl::panelReportDone()
+{
+    if (QThread::currentThread() == thread())
+        return; // its events ran at once
+    QEvent *wake = nullptr;
+    {
+        std::lock_guard<std::mutex> lock(panelMutex);
+        wake = takeWakeLocked();
+    }
+    if (wake)
+        QCoreApplication::postEvent(this, wake);
+}
+
+// The event that wakes this thread for the queue, when queued events need it
+// and none is on its way. Made under panelMutex, which customEvent() takes
+// before it looks at the event: the hand-over is then ordered by a lock that
+// ThreadSanitizer sees, not only by Qt's own posting lock.
+QEvent *DialixControl::takeWakeLocked()
+{
+    if (!panelUrgent || panelWakePosted)
+        return nullptr;
+    panelWakePosted = true;
+    panelUrgent = false;
+    return new QEvent(panelEventType());
 }
 
 // Runs the queued panel events one at a time, so that a slot that spins an
@@ -454,6 +481,7 @@ void DialixControl::runPanelEvents()
             if (panelNext == panelEvents.size()) {
                 panelEvents.clear();
                 panelNext = 0;
+                panelUrgent = false;
                 // A pending value keeps the coalescer ticking: its next tick
                 // comes within the interval and runs the queue first.
                 vfoTickRuns = valueTimeout.isPending();

@@ -219,6 +219,8 @@ private:
         int b; // the button's state or the dial's movement
     };
     void panelEvent(PanelEvent event);
+    void panelReportDone();
+    QEvent *takeWakeLocked();
     void runPanelEvents();
     void dispatch(const PanelEvent &event);
 
@@ -259,6 +261,7 @@ private:
     std::mutex panelMutex;
     std::vector<PanelEvent> panelEvents;
     std::size_t panelNext = 0; // the next one to run
+    bool panelUrgent = false; // some of them need a wake-up
     bool panelWakePosted = false; // a posted event will run them
     bool vfoTickRuns = false; // the VFO coalescer's next tick will run them
     Dialix device;
