@@ -150,43 +150,17 @@ DialixControl::DialixControl(QObject *parent)
     // The device's signals reach onButton, onDialButton, onDial, onPtt, KeyDash
     // and KeyDot (dispatch()) on this thread, through panelEvent().
     using E = PanelEvent;
-    const auto direct = Qt::DirectConnection;
-    connect(
-        &device, &Dialix::button, this,
-        [this](Dialix::Buttons b, bool s) {
-            panelEvent({E::Button, b, s});
-        },
-        direct);
-    connect(
-        &device, &Dialix::dialButton, this,
-        [this](Dialix::DialButtons b, bool s) {
-            panelEvent({E::DialButton, b, s});
-        },
-        direct);
-    connect(
-        &device, &Dialix::dial, this,
-        [this](Dialix::Dials d, int value) {
-            panelEvent({E::Dial, d, value});
-        },
-        direct);
-    connect(
-        &device, &Dialix::ptt, this,
-        [this](bool s) {
-            panelEvent({E::Ptt, s, 0});
-        },
-        direct);
-    connect(
-        &device, &Dialix::dash, this,
-        [this](bool s) {
-            panelEvent({E::Dash, s, 0});
-        },
-        direct);
-    connect(
-        &device, &Dialix::dot, this,
-        [this](bool s) {
-            panelEvent({E::Dot, s, 0});
-        },
-        direct);
+    const auto relay = [this](E::Kind kind) {
+        return [this, kind](auto a, auto... b) {
+            panelEvent({kind, int(a), int(b)...});
+        };
+    };
+    connect(&device, &Dialix::button, this, relay(E::Button), Qt::DirectConnection);
+    connect(&device, &Dialix::dialButton, this, relay(E::DialButton), Qt::DirectConnection);
+    connect(&device, &Dialix::dial, this, relay(E::Dial), Qt::DirectConnection);
+    connect(&device, &Dialix::ptt, this, relay(E::Ptt), Qt::DirectConnection);
+    connect(&device, &Dialix::dash, this, relay(E::Dash), Qt::DirectConnection);
+    connect(&device, &Dialix::dot, this, relay(E::Dot), Qt::DirectConnection);
     device.setReportDone([this] { panelReportDone(); });
     valueTimeout.installEventFilter(this);
     clock.start();

@@ -216,7 +216,7 @@ private:
         enum Kind : quint8 { Button, DialButton, Dial, Ptt, Dash, Dot };
         Kind kind;
         int a; // the button or dial; the state of PTT, dash and dot
-        int b; // the button's state or the dial's movement
+        int b = 0; // the button's state or the dial's movement
     };
     void panelEvent(PanelEvent event);
     void panelReportDone();
