@@ -1,4 +1,4 @@
-#include "keys/senderkeytosystemwindows.h"
+#include "keys/senderkeytosystem_win.h"
 
 #include <windows.h>
 

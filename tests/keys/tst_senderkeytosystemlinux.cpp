@@ -1,4 +1,4 @@
-#include "keys/senderkeytosystemlinux.h"
+#include "keys/senderkeytosystem_linux.h"
 
 #include <QtTest>
 
