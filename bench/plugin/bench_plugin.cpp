@@ -56,6 +56,7 @@
 #include <vector>
 
 namespace vp = VirtualPanel;
+namespace protocol = dialix::protocol;
 using measure::contextSwitches;
 using measure::CpuMeter;
 using measure::percentile;
@@ -193,13 +194,13 @@ public:
     void start(QObject *context, std::function<void()> onReport)
     {
         connection = QObject::connect(&relay, &FloorRelay::report, context, std::move(onReport));
-        handle = hid_open(vp::DialixVendorId, FloorProductId, nullptr);
+        handle = hid_open(protocol::VendorId, FloorProductId, nullptr);
         running = handle != nullptr;
         if (running) {
             thread = std::thread([this] {
-                unsigned char buffer[vp::InputReportSize];
+                unsigned char buffer[protocol::ReportSize];
                 while (running.load()) {
-                    if (hid_read_timeout(handle, buffer, sizeof buffer, 5) == vp::InputReportSize)
+                    if (hid_read_timeout(handle, buffer, sizeof buffer, 5) == protocol::ReportSize)
                         emit relay.report();
                 }
             });

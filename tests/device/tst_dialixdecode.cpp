@@ -9,14 +9,11 @@ using VirtualPanel::makeReport;
 
 namespace {
 
-QByteArray withDials(quint32 switches, quint8 d0, quint8 d1, quint8 d2, quint8 d3)
+// A report as the panel sends it: byte 0, the switch bytes 1..3, nine bytes
+// that are not interpreted, the dial bytes 13..16 (hex).
+QByteArray wire(const char *switches, const char *dials)
 {
-    QByteArray r = makeReport(switches);
-    r[13] = char(d0);
-    r[14] = char(d1);
-    r[15] = char(d2);
-    r[16] = char(d3);
-    return r;
+    return QByteArray::fromHex(QByteArray("00") + switches + QByteArray(18, '0') + dials);
 }
 
 } // namespace
@@ -41,10 +38,10 @@ void TestDialixDecode::reports_data()
     QTest::addColumn<QList<QByteArray>>("reports");
     QTest::addColumn<QStringList>("expected");
 
-    const quint32 key3 = 1u << 3, push1 = 1u << 16, dot = 1u << 21;
+    const quint32 key3 = 1u << 3;
 
     QTest::newRow("several bits rise in bit order, then the dials")
-        << QList<QByteArray> {withDials(dot | push1 | key3, 5, 0, 0, 0xFF)}
+        << QList<QByteArray> {wire("080021", "050000ff")}
         << QStringList {"button(3,1)", "dialButton(16,1)", "dot(1)", "dial(0,5)", "dial(3,-1)"};
     QTest::newRow("press then release") << QList<QByteArray> {makeReport(key3), makeReport(0)}
                                         << QStringList {"button(3,1)", "button(3,0)"};
@@ -54,20 +51,17 @@ void TestDialixDecode::reports_data()
         << QList<QByteArray> {makeReport(1u << 7), makeReport(1u << 2)}
         << QStringList {"button(7,1)", "button(2,1)", "button(7,0)"};
     QTest::newRow("dial byte extremes")
-        << QList<QByteArray> {withDials(0, 0x7F, 0x80, 0xFF, 0x00), withDials(0, 0x01, 0, 0, 0x81)}
+        << QList<QByteArray> {wire("000000", "7f80ff00"), wire("000000", "01000081")}
         << QStringList {"dial(0,127)", "dial(1,-128)", "dial(2,-1)", "dial(0,1)", "dial(3,-127)"};
     QTest::newRow("dials repeat while keys are held")
-        << QList<QByteArray> {withDials(key3, 0, 2, 0, 0), withDials(key3, 0, 2, 0, 0)}
+        << QList<QByteArray> {wire("080000", "00020000"), wire("080000", "00020000")}
         << QStringList {"button(3,1)", "dial(1,2)", "dial(1,2)"};
     QTest::newRow("bits 22 and 23 are silent but remembered")
         << QList<QByteArray> {makeReport(3u << 22), makeReport((3u << 22) | key3), makeReport(key3)}
         << QStringList {"button(3,1)"};
-    QTest::newRow("bytes 0 and 4..12 are not interpreted") << QList<QByteArray> {[] {
-        QByteArray r = makeReport(0);
-        for (int i : {0, 4, 5, 6, 7, 8, 9, 10, 11, 12})
-            r[i] = char(0xFF);
-        return r;
-    }()} << QStringList {};
+    QTest::newRow("bytes 0 and 4..12 are not interpreted")
+        << QList<QByteArray> {QByteArray::fromHex("ff000000ffffffffffffffffff00000000")}
+        << QStringList {};
 }
 
 void TestDialixDecode::reports()
@@ -120,7 +114,7 @@ void TestDialixDecode::wrongLengthKeepsPreviousWord()
 {
     Dialix device;
     PanelRecorder recorder(&device);
-    const QByteArray pressed = withDials(1u << 2, 9, 9, 9, 9);
+    const QByteArray pressed = wire("040000", "09090909");
 
     // Reads shorter than a report (hidraw cuts longer ones to the 17 bytes
     // asked for), an error and a longer length are all ignored.
@@ -129,7 +123,7 @@ void TestDialixDecode::wrongLengthKeepsPreviousWord()
     const QByteArray longer = pressed + QByteArray(3, '\0');
     device.processReport(reinterpret_cast<const unsigned char *>(longer.constData()),
                          longer.size());
-    device.processReport(nullptr, Dialix::ReportSize);
+    device.processReport(nullptr, dialix::protocol::ReportSize);
     QVERIFY(recorder.log.isEmpty());
 
     // The word was not taken over: the same press still counts as new.

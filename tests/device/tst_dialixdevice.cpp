@@ -9,6 +9,7 @@
 #include <mutex>
 
 namespace vp = VirtualPanel;
+namespace protocol = dialix::protocol;
 
 namespace {
 constexpr int Timeout = 5000;
@@ -179,16 +180,16 @@ void TestDialixDevice::ledsOnlyWhileOpen()
 {
     const int panel = vp::plug("A");
     Dialix device;
-    device.setLed(Dialix::LedKeys, true);
+    device.setLed(protocol::LedKeys, true);
     QCOMPARE(device.ledMask(), quint8(0));
 
     QVERIFY(openFirst(device));
     QTest::qWait(20);
     QCOMPARE(vp::writeCount(panel), 0); // the earlier call left nothing behind
 
-    device.setLed(Dialix::LedKeys, true);
-    device.setLed(Dialix::LedDials, true);
-    device.setLed(Dialix::LedKeys, false);
+    device.setLed(protocol::LedKeys, true);
+    device.setLed(protocol::LedDials, true);
+    device.setLed(protocol::LedKeys, false);
     device.setLed(8, true); // not a bit of the mask
     QCOMPARE(device.ledMask(), quint8(0x08));
     QVERIFY(vp::waitForWrites(panel, 3, Timeout));
@@ -296,7 +297,7 @@ void TestDialixDevice::readErrorsAreIgnoredWithoutSpinning()
              qPrintable(QStringLiteral("%1 reads in %2 ms").arg(reads).arg(ms)));
 
     // A report queued meanwhile still goes out promptly, and reading resumes.
-    device.setLed(Dialix::LedTransmit, true);
+    device.setLed(protocol::LedTransmit, true);
     QVERIFY(vp::waitForWrites(panel, 1, Timeout));
     vp::setReadsFail(panel, false);
     vp::releaseKey(panel, 1);
@@ -312,7 +313,7 @@ void TestDialixDevice::failedWriteIsDropped()
     QVERIFY(openFirst(device));
 
     vp::setWritesFail(panel, true);
-    device.setLed(Dialix::LedVfoB, true);
+    device.setLed(protocol::LedVfoB, true);
     QTRY_COMPARE_WITH_TIMEOUT(vp::failedWrites(panel), 1, Timeout);
     vp::setWritesFail(panel, false);
     vp::pressKey(panel, 2);
@@ -321,7 +322,7 @@ void TestDialixDevice::failedWriteIsDropped()
     QCOMPARE(vp::writeCount(panel), 0);
 
     // The mask is not rolled back: the next report carries it again.
-    device.setLed(Dialix::LedDials, true);
+    device.setLed(protocol::LedDials, true);
     QVERIFY(vp::waitForWrites(panel, 1, Timeout));
     QCOMPARE(vp::ledMask(panel), 0x09);
     QCOMPARE(device.closeDevice(), Dialix::Closed);
@@ -332,7 +333,7 @@ void TestDialixDevice::unpluggedPanelStillCloses()
     const int panel = vp::plug("A");
     Dialix device;
     QVERIFY(openFirst(device));
-    device.setLed(Dialix::LedKeys, true);
+    device.setLed(protocol::LedKeys, true);
     QVERIFY(vp::waitForWrites(panel, 1, Timeout));
 
     vp::unplug(panel);
@@ -349,7 +350,7 @@ void TestDialixDevice::destructorClosesAnOpenPanel()
     {
         Dialix device;
         QVERIFY(openFirst(device));
-        device.setLed(Dialix::LedReceiver2, true);
+        device.setLed(protocol::LedReceiver2, true);
         QVERIFY(vp::waitForWrites(panel, 1, Timeout));
     }
     QCOMPARE(vp::openHandles(panel), 0);

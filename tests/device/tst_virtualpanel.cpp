@@ -9,6 +9,7 @@
 #include <thread>
 
 namespace vp = VirtualPanel;
+namespace protocol = dialix::protocol;
 
 class TestVirtualPanel : public QObject
 {
@@ -36,7 +37,7 @@ void TestVirtualPanel::enumeratesInPlugOrder()
     second.interfaceNumber = 1;
     const int b = vp::plug(second);
 
-    hid_device_info *list = hid_enumerate(vp::DialixVendorId, vp::DialixProductId);
+    hid_device_info *list = hid_enumerate(protocol::VendorId, protocol::ProductId);
     QStringList seen;
     for (hid_device_info *i = list; i; i = i->next)
         seen << QString::fromWCharArray(i->serial_number) + "/"
@@ -64,17 +65,17 @@ void TestVirtualPanel::readsLikeHidraw()
     vp::queueReadError(panel);
     vp::queueReport(panel, vp::makeReport(0x030201, -1));
 
-    hid_device *dev = hid_open(vp::DialixVendorId, vp::DialixProductId, L"A");
+    hid_device *dev = hid_open(protocol::VendorId, protocol::ProductId, L"A");
     QVERIFY(dev);
-    unsigned char buffer[vp::InputReportSize + 8] = {};
-    QCOMPARE(hid_read_timeout(dev, buffer, vp::InputReportSize, 0), vp::InputReportSize);
-    QCOMPARE(buffer[vp::InputReportSize], 0); // nothing beyond what was asked
-    QCOMPARE(hid_read_timeout(dev, buffer, vp::InputReportSize, 0), 3);
-    QCOMPARE(hid_read_timeout(dev, buffer, vp::InputReportSize, 0), -1);
-    QCOMPARE(hid_read(dev, buffer, vp::InputReportSize), vp::InputReportSize);
+    unsigned char buffer[protocol::ReportSize + 8] = {};
+    QCOMPARE(hid_read_timeout(dev, buffer, protocol::ReportSize, 0), protocol::ReportSize);
+    QCOMPARE(buffer[protocol::ReportSize], 0); // nothing beyond what was asked
+    QCOMPARE(hid_read_timeout(dev, buffer, protocol::ReportSize, 0), 3);
+    QCOMPARE(hid_read_timeout(dev, buffer, protocol::ReportSize, 0), -1);
+    QCOMPARE(hid_read(dev, buffer, protocol::ReportSize), protocol::ReportSize);
     QCOMPARE(QByteArray(reinterpret_cast<char *>(buffer), 4), QByteArray("\x00\x01\x02\x03", 4));
     QCOMPARE(buffer[13], 0xFF);
-    QCOMPARE(hid_read_timeout(dev, buffer, vp::InputReportSize, 0), 0);
+    QCOMPARE(hid_read_timeout(dev, buffer, protocol::ReportSize, 0), 0);
     QCOMPARE(vp::readCalls(panel), 5);
 
     QCOMPARE(hid_write(dev, reinterpret_cast<const unsigned char *>("\x00\x11"), 2), 2);
@@ -85,8 +86,8 @@ void TestVirtualPanel::readsLikeHidraw()
 void TestVirtualPanel::readWaitsAndWakes()
 {
     const int panel = vp::plug("A");
-    hid_device *dev = hid_open(vp::DialixVendorId, vp::DialixProductId, nullptr);
-    unsigned char buffer[vp::InputReportSize];
+    hid_device *dev = hid_open(protocol::VendorId, protocol::ProductId, nullptr);
+    unsigned char buffer[protocol::ReportSize];
     QElapsedTimer clock;
     clock.start();
     QCOMPARE(hid_read_timeout(dev, buffer, sizeof buffer, 30), 0);
@@ -98,7 +99,7 @@ void TestVirtualPanel::readWaitsAndWakes()
         vp::pressKey(panel, 1);
     });
     clock.restart();
-    QCOMPARE(hid_read_timeout(dev, buffer, sizeof buffer, 20000), vp::InputReportSize);
+    QCOMPARE(hid_read_timeout(dev, buffer, sizeof buffer, 20000), protocol::ReportSize);
     pusher.join();
     QVERIFY(clock.elapsed() < 10000);
     QCOMPARE(buffer[1], 0x02);
@@ -108,8 +109,8 @@ void TestVirtualPanel::readWaitsAndWakes()
 void TestVirtualPanel::unplugFailsOpenHandles()
 {
     const int panel = vp::plug("A");
-    hid_device *dev = hid_open(vp::DialixVendorId, vp::DialixProductId, nullptr);
-    unsigned char buffer[vp::InputReportSize];
+    hid_device *dev = hid_open(protocol::VendorId, protocol::ProductId, nullptr);
+    unsigned char buffer[protocol::ReportSize];
     std::thread unplugger([panel] {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
         vp::unplug(panel);

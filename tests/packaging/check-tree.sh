@@ -51,9 +51,10 @@ done
 
 # The rule matches the ids the panel class opens, as the kernel names the HID
 # device: bus 0003 (USB), vendor and product in upper-case hex.
-vendor=$(sed -n 's/.*VendorId = 0x\([0-9A-Fa-f]*\);.*/\1/p' "$SRC/plugins/panels/dialix/source/dialix.h" | tr 'a-f' 'A-F')
-product=$(sed -n 's/.*ProductId = 0x\([0-9A-Fa-f]*\);.*/\1/p' "$SRC/plugins/panels/dialix/source/dialix.h" | tr 'a-f' 'A-F')
-[ -n "$vendor" ] && [ -n "$product" ] || fail "cannot read the panel's ids from dialix.h"
+protocol="$SRC/plugins/panels/dialix/source/panelprotocol.h"
+vendor=$(sed -n 's/.*VendorId = 0x\([0-9A-Fa-f]*\);.*/\1/p' "$protocol" | tr 'a-f' 'A-F')
+product=$(sed -n 's/.*ProductId = 0x\([0-9A-Fa-f]*\);.*/\1/p' "$protocol" | tr 'a-f' 'A-F')
+[ -n "$vendor" ] && [ -n "$product" ] || fail "cannot read the panel's ids from panelprotocol.h"
 active=$(grep -v '^[[:space:]]*#' "$ROOT/$rule" 2>/dev/null | grep 'hidraw')
 for want in 'KERNEL=="hidraw\*"' "KERNELS==\"0003:$vendor:$product\.\*\"" 'TAG+="uaccess"'; do
     grep -q "$want" <<<"$active" || fail "the rule lacks $want"

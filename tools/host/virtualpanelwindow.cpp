@@ -21,8 +21,8 @@ struct LedSpec
     QColor color;
 };
 
-// Bit order of the panel's LED mask.
-const std::array<LedSpec, 5> ledSpecs = {
+// Bit order of the panel's LED mask (dialix::protocol::Led).
+const std::array<LedSpec, dialix::protocol::LedCount> ledSpecs = {
     {{QT_TRANSLATE_NOOP("VirtualPanelWindow", "VFO B"), Qt::yellow},
      {QT_TRANSLATE_NOOP("VirtualPanelWindow", "RX2"), Qt::green},
      {QT_TRANSLATE_NOOP("VirtualPanelWindow", "TX"), Qt::red},
@@ -102,7 +102,7 @@ LedRelay::LedRelay(QObject *parent)
     : QObject(parent)
 {
     listener = VirtualPanel::addWriteListener([this](int panel, const QByteArray &report) {
-        if (report.size() != 2)
+        if (report.size() != dialix::protocol::LedReportSize)
             return;
         const int mask = quint8(report.at(1));
         QMetaObject::invokeMethod(
@@ -156,7 +156,7 @@ VirtualPanelWindow::VirtualPanelWindow(int panel, LedRelay *relay, QWidget *pare
     // and 13 left and 12 and 14 right of the VFO dial.
     auto *face = new QGridLayout;
     face->setSpacing(8);
-    for (int j = 0; j < VirtualPanel::DialCount; ++j) {
+    for (int j = 0; j < dialix::protocol::DialCount; ++j) {
         auto *knob =
             new DialKnob(j == 0 ? tr("VFO") : tr("Dial %1").arg(j), j == 0 ? 100 : 46, this);
         knob->setObjectName(QStringLiteral("dial%1").arg(j));

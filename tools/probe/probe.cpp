@@ -18,6 +18,8 @@
 
 namespace probe {
 
+namespace protocol = dialix::protocol;
+
 namespace {
 
 // clang-format off
@@ -34,11 +36,11 @@ struct LedRow
     const char *name;
 };
 const LedRow ledTable[] = {
-    {Dialix::LedVfoB,       QT_TRANSLATE_NOOP("Probe", "VFO B")},
-    {Dialix::LedReceiver2,  QT_TRANSLATE_NOOP("Probe", "second receiver")},
-    {Dialix::LedTransmit,   QT_TRANSLATE_NOOP("Probe", "transmit")},
-    {Dialix::LedDials,      QT_TRANSLATE_NOOP("Probe", "dial LEDs")},
-    {Dialix::LedKeys,       QT_TRANSLATE_NOOP("Probe", "key LEDs")},
+    {protocol::LedVfoB,      QT_TRANSLATE_NOOP("Probe", "VFO B")},
+    {protocol::LedReceiver2, QT_TRANSLATE_NOOP("Probe", "second receiver")},
+    {protocol::LedTransmit,  QT_TRANSLATE_NOOP("Probe", "transmit")},
+    {protocol::LedDials,     QT_TRANSLATE_NOOP("Probe", "dial LEDs")},
+    {protocol::LedKeys,      QT_TRANSLATE_NOOP("Probe", "key LEDs")},
 };
 // clang-format on
 
@@ -120,8 +122,8 @@ Access Probe::tryOpen(const Panel &panel, hid_device **handle, QString *error)
 void Probe::explainAbsent()
 {
     err << tr("No Dialix panel found (USB vendor %1, product %2).")
-               .arg(Dialix::VendorId, 4, 16, QLatin1Char('0'))
-               .arg(Dialix::ProductId, 4, 16, QLatin1Char('0'))
+               .arg(protocol::VendorId, 4, 16, QLatin1Char('0'))
+               .arg(protocol::ProductId, 4, 16, QLatin1Char('0'))
         << '\n'
         << tr("Check the USB cable and the panel's power; 'lsusb -d 1fc9:0003' shows whether the "
               "system sees the panel at all.")
@@ -318,7 +320,7 @@ ExitCode Probe::events(const QString &which, int count, qint64 durationMs, bool 
         [&](bool state) { print(tr("paddle dot %1").arg(pressed(state))); }, Qt::DirectConnection);
 
     ExitCode result = ExitCode::Ok;
-    unsigned char buffer[Dialix::ReportSize];
+    unsigned char buffer[protocol::ReportSize];
     while (!stopped() && (count <= 0 || printed < count)
            && (durationMs <= 0 || clock.elapsed() < durationMs)) {
         const int got = hid_read_timeout(handle, buffer, sizeof buffer, ReadSliceMs);
@@ -338,10 +340,10 @@ ExitCode Probe::events(const QString &which, int count, qint64 durationMs, bool 
                 << '\n';
             out.flush();
         }
-        if (got != Dialix::ReportSize && !raw)
+        if (got != protocol::ReportSize && !raw)
             err << tr("Ignored a report of %1 bytes (a panel report has %2).")
                        .arg(got)
-                       .arg(Dialix::ReportSize)
+                       .arg(protocol::ReportSize)
                 << '\n';
         device.processReport(buffer, got);
     }
@@ -360,7 +362,7 @@ ExitCode Probe::leds(const QString &which, int intervalMs)
 
     // The panel's LED report: report id 0, then the mask.
     const auto write = [&](unsigned char mask) {
-        const unsigned char report[Dialix::LedReportSize] = {0x00, mask};
+        const unsigned char report[protocol::LedReportSize] = {protocol::LedReportId, mask};
         if (hid_write(handle, report, sizeof report) >= 0)
             return true;
         err << tr("Writing the LED report failed: %1").arg(fromWide(hid_error(handle))) << '\n';
@@ -546,13 +548,13 @@ QStringList descriptorWarnings(const DescriptorLayout &layout)
     bool output = false;
     for (const ReportLayout &report : layout.reports) {
         const int read = report.inputBytes + (layout.numbered ? 1 : 0);
-        if (report.inputBytes > 0 && read != Dialix::ReportSize)
+        if (report.inputBytes > 0 && read != protocol::ReportSize)
             warnings << tr("a read returns %1 bytes, not %2: the plug-in ignores these reports, "
                            "so the panel's keys and dials do nothing.")
                             .arg(read)
-                            .arg(Dialix::ReportSize);
+                            .arg(protocol::ReportSize);
         output = output || report.outputBytes > 0;
-        if (report.outputBytes > 0 && report.outputBytes != Dialix::LedReportSize - 1)
+        if (report.outputBytes > 0 && report.outputBytes != protocol::LedReportSize - 1)
             warnings << tr("the output report has %1 bytes of data, not 1: the LEDs may not "
                            "follow the plug-in's LED byte.")
                             .arg(report.outputBytes);

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+namespace protocol = dialix::protocol;
+
 namespace {
 
 struct Input
@@ -128,8 +130,8 @@ void freeInfo(hid_device_info *info)
 // Queues a full report with the panel's switch word (caller holds the lock).
 void queueStateLocked(Panel &panel, int dial, int delta)
 {
-    int dials[VirtualPanel::DialCount] = {};
-    if (dial >= 0 && dial < VirtualPanel::DialCount)
+    int dials[protocol::DialCount] = {};
+    if (dial >= 0 && dial < protocol::DialCount)
         dials[dial] = delta;
     panel.input.push_back(
         {VirtualPanel::makeReport(panel.switches, dials[0], dials[1], dials[2], dials[3]), false});
@@ -236,13 +238,12 @@ QByteArray path(int id)
 
 QByteArray makeReport(quint32 switches, int dial0, int dial1, int dial2, int dial3)
 {
-    QByteArray report(InputReportSize, '\0');
-    report[1] = static_cast<char>(switches & 0xFF);
-    report[2] = static_cast<char>((switches >> 8) & 0xFF);
-    report[3] = static_cast<char>((switches >> 16) & 0xFF);
-    const int dials[DialCount] = {dial0, dial1, dial2, dial3};
-    for (int k = 0; k < DialCount; ++k)
-        report[13 + k] =
+    QByteArray report(protocol::ReportSize, '\0');
+    for (int i = 0; i < protocol::SwitchBytes; ++i)
+        report[protocol::FirstSwitchByte + i] = static_cast<char>((switches >> (8 * i)) & 0xFF);
+    const int dials[protocol::DialCount] = {dial0, dial1, dial2, dial3};
+    for (int k = 0; k < protocol::DialCount; ++k)
+        report[protocol::FirstDialByte + k] =
             static_cast<char>(static_cast<signed char>(std::clamp(dials[k], -128, 127)));
     return report;
 }
@@ -290,9 +291,9 @@ void setSwitches(int id, quint32 word)
 {
     std::lock_guard<std::mutex> lock(bus().mutex);
     const auto panel = findLocked(id);
-    if (!panel || panel->switches == (word & 0xFFFFFF))
+    if (!panel || panel->switches == (word & protocol::SwitchMask))
         return;
-    panel->switches = word & 0xFFFFFF;
+    panel->switches = word & protocol::SwitchMask;
     queueStateLocked(*panel, -1, 0);
     panel->readable.notify_all();
     bus().changed.notify_all();
@@ -307,25 +308,25 @@ quint32 switches(int id)
 
 void pressKey(int id, int key)
 {
-    if (key >= 0 && key < KeyCount)
-        changeSwitches(id, 1u << key, true);
+    if (key >= 0 && key < protocol::KeyCount)
+        changeSwitches(id, 1u << (protocol::FirstKeyBit + key), true);
 }
 
 void releaseKey(int id, int key)
 {
-    if (key >= 0 && key < KeyCount)
-        changeSwitches(id, 1u << key, false);
+    if (key >= 0 && key < protocol::KeyCount)
+        changeSwitches(id, 1u << (protocol::FirstKeyBit + key), false);
 }
 
 void pushDial(int id, int dial, bool down)
 {
-    if (dial >= 0 && dial < DialCount)
-        changeSwitches(id, 1u << (DialPushBit + dial), down);
+    if (dial >= 0 && dial < protocol::DialCount)
+        changeSwitches(id, 1u << (protocol::FirstDialPushBit + dial), down);
 }
 
 void turnDial(int id, int dial, int delta)
 {
-    if (dial < 0 || dial >= DialCount || delta == 0)
+    if (dial < 0 || dial >= protocol::DialCount || delta == 0)
         return;
     std::lock_guard<std::mutex> lock(bus().mutex);
     const auto panel = findLocked(id);
@@ -342,17 +343,17 @@ void turnDial(int id, int dial, int delta)
 
 void setPtt(int id, bool down)
 {
-    changeSwitches(id, 1u << PttBit, down);
+    changeSwitches(id, 1u << protocol::PttBit, down);
 }
 
 void setDash(int id, bool down)
 {
-    changeSwitches(id, 1u << DashBit, down);
+    changeSwitches(id, 1u << protocol::DashBit, down);
 }
 
 void setDot(int id, bool down)
 {
-    changeSwitches(id, 1u << DotBit, down);
+    changeSwitches(id, 1u << protocol::DotBit, down);
 }
 
 QList<QByteArray> writes(int id)
@@ -373,7 +374,7 @@ QList<quint8> ledMasks(int id)
 {
     QList<quint8> masks;
     for (const QByteArray &report : writes(id)) {
-        if (report.size() == 2 && report[0] == '\0')
+        if (report.size() == protocol::LedReportSize && report[0] == char(protocol::LedReportId))
             masks.append(static_cast<quint8>(report[1]));
     }
     return masks;

@@ -44,33 +44,25 @@
 // Functions given an unknown or unplugged id do nothing and return 0, false,
 // -1 or an empty list, as fits their type.
 
+#include "plugins/panels/dialix/source/panelprotocol.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
 
 #include <functional>
 
+// The reports follow the panel's protocol (panelprotocol.h): the virtual panel
+// builds them from the same constants that the device decodes them with.
 namespace VirtualPanel {
-
-constexpr unsigned short DialixVendorId = 0x1FC9;
-constexpr unsigned short DialixProductId = 0x0003;
-constexpr int InputReportSize = 17;
-
-// Switch word layout of the panel's input report.
-constexpr int KeyCount = 15; // keys 0..14 = bits 0..14
-constexpr int DialCount = 4; // dial pushes = bits 15..18, dial bytes 13..16
-constexpr int DialPushBit = 15;
-constexpr int PttBit = 19;
-constexpr int DashBit = 20;
-constexpr int DotBit = 21;
 
 struct PanelInfo
 {
     QString serial = QStringLiteral("DLX0001");
     QString product = QStringLiteral("Dialix");
     QString manufacturer = QStringLiteral("Brindlecraft");
-    unsigned short vendorId = DialixVendorId;
-    unsigned short productId = DialixProductId;
+    unsigned short vendorId = dialix::protocol::VendorId;
+    unsigned short productId = dialix::protocol::ProductId;
     unsigned short releaseNumber = 0x0100;
     unsigned short usagePage = 0xFF00;
     unsigned short usage = 0x0001;
@@ -97,8 +89,8 @@ QByteArray path(int panel);
 
 // ---- Input: what the panel sends -------------------------------------------
 
-// Builds a 17-byte input report: byte 0 = 0, bytes 1..3 the switch word,
-// bytes 13..16 the four dial movements (each cut to -128..127).
+// Builds a 17-byte input report: byte 0 = 0, the switch word and the four dial
+// movements (each cut to -128..127) where the protocol puts them.
 QByteArray makeReport(quint32 switches, int dial0 = 0, int dial1 = 0, int dial2 = 0, int dial3 = 0);
 
 // Queues raw bytes as one input report (any length, empty included).

@@ -3,6 +3,7 @@
 # libhidapi-hidraw (dialix_hidapi_real) for the plug-in, or the virtual panel
 # (dialix_virtualpanel) for tests, benchmarks and the demo host.
 add_library(dialix_device STATIC
+    ${CMAKE_CURRENT_LIST_DIR}/source/panelprotocol.h
     ${CMAKE_CURRENT_LIST_DIR}/source/dialix.h
     ${CMAKE_CURRENT_LIST_DIR}/source/dialix.cpp)
 target_link_libraries(dialix_device PUBLIC Qt5::Core dialix_hidapi_headers)

@@ -5,17 +5,13 @@
 
 #include <chrono>
 
-namespace {
+using namespace dialix::protocol;
 
-constexpr int SwitchBits = 24;
-constexpr int FirstDialButtonBit = 15;
-constexpr int PttBit = 19;
-constexpr int DashBit = 20;
-constexpr int DotBit = 21;
-constexpr int FirstDialByte = 13;
-constexpr int DialCount = 4;
-
-} // namespace
+// The event enumerations carry the report's bit and byte positions.
+static_assert(Dialix::Key0 == FirstKeyBit && Dialix::Key14 == FirstKeyBit + KeyCount - 1);
+static_assert(Dialix::KeyEnc0 == FirstDialPushBit
+              && Dialix::KeyEnc3 == FirstDialPushBit + DialCount - 1);
+static_assert(Dialix::Enc0 == 0 && Dialix::Enc3 == DialCount - 1);
 
 Dialix::Dialix(QObject *parent)
     : QThread(parent)
@@ -132,32 +128,34 @@ void Dialix::processReport(const unsigned char *data, int length)
     if (!data || length != ReportSize)
         return;
 
-    const quint32 switches = quint32(data[1]) | quint32(data[2]) << 8 | quint32(data[3]) << 16;
-    const quint32 changed = switches ^ previousSwitches;
-    for (int bit = 0; bit < SwitchBits; ++bit) {
-        if (!(changed & (1u << bit)))
-            continue;
-        const bool state = switches & (1u << bit);
-        if (bit < FirstDialButtonBit)
-            emit button(static_cast<Buttons>(bit), state);
-        else if (bit < PttBit)
-            emit dialButton(static_cast<DialButtons>(bit), state);
-        else if (bit == PttBit)
+    const Events events = decode(data, previousSwitches);
+    for (const Event &event : events) {
+        const bool state = event.value != 0;
+        switch (event.line) {
+        case Line::Key:
+            emit button(static_cast<Buttons>(event.index), state);
+            break;
+        case Line::DialPush:
+            emit dialButton(static_cast<DialButtons>(event.index), state);
+            break;
+        case Line::Ptt:
             emit ptt(state);
-        else if (bit == DashBit)
+            break;
+        case Line::Dash:
             emit dash(state);
-        else if (bit == DotBit)
+            break;
+        case Line::Dot:
             emit dot(state);
-        // bits 22 and 23 carry no line; they are only remembered
+            break;
+        case Line::Dial:
+            emit dial(static_cast<Dials>(event.index), event.value);
+            break;
+        case Line::None:
+            break;
+        }
     }
 
-    for (int k = 0; k < DialCount; ++k) {
-        const int value = static_cast<signed char>(data[FirstDialByte + k]);
-        if (value != 0)
-            emit dial(static_cast<Dials>(k), value);
-    }
-
-    previousSwitches = switches;
+    previousSwitches = events.switches;
     if (reportDone)
         reportDone();
 }

@@ -11,6 +11,8 @@
 #include <functional>
 #include <mutex>
 
+#include "plugins/panels/dialix/source/panelprotocol.h"
+
 #include <hidapi.h>
 
 // The Dialix USB control panel: 14 keys, four push-dials, a PTT input, CW paddle
@@ -24,9 +26,7 @@
 // queued connections; the three enumerations must be registered meta-types
 // ("Dialix::Buttons", "Dialix::DialButtons", "Dialix::Dials") before that.
 //
-// Input report (17 bytes as read): bytes 1..3 hold the 24-bit switch word
-// (byte 1 = bits 0..7), bytes 13..16 the signed movement of dials 0..3.
-// LED report (2 bytes as written): 0x00, then the LED mask.
+// The reports' layout and their decoding are in panelprotocol.h.
 class Dialix : public QThread
 {
     Q_OBJECT
@@ -71,24 +71,11 @@ public:
     };
     Q_ENUM(Dials)
 
-    static constexpr unsigned short VendorId = 0x1FC9;
-    static constexpr unsigned short ProductId = 0x0003;
-    static constexpr int ReportSize = 17; // input report, as read
-    static constexpr int LedReportSize = 2; // output report: report id 0, LED mask
     static constexpr int ReadTimeoutMs = 5; // longest wait for input per loop turn
     static constexpr int PopLimitMs = 2; // longest wait for a queued LED report
     static constexpr int CloseWaitMs = 10; // time given to the LED-off reports on close
     static constexpr int FailedReadsBeforeBackOff = 20; // failed reads in a row at the 5 ms pace
     static constexpr int FailedReadPaceMs = 100; // then: reads of a failing (unplugged) handle
-
-    // LED mask bits (bit numbers for setLed()).
-    enum LedBit {
-        LedVfoB = 0,
-        LedReceiver2 = 1,
-        LedTransmit = 2,
-        LedDials = 3,
-        LedKeys = 4,
-    };
 
     // closeDevice() results.
     static constexpr qint32 Closed = 0;
@@ -106,7 +93,8 @@ public:
     // panel is already open. Returns true when this call opened the panel.
     bool openDevice();
 
-    // Sets or clears LED bit `bit` (0..7) and queues the whole mask. Ignored
+    // Sets or clears LED bit `bit` (0..7, see dialix::protocol::Led) and
+    // queues the whole mask. Ignored
     // while the panel is closed: the mask does not change then.
     void setLed(int bit, bool on);
 
@@ -125,10 +113,10 @@ public:
     // first at the next open. Never call it from the reader thread.
     qint32 closeDevice();
 
-    // Decodes one read of `length` bytes and emits the signals of the changes
-    // against the previous switch word. Only a read of exactly ReportSize bytes
-    // is decoded; anything else is ignored. The reader thread calls it for
-    // every read; while the panel is closed it may be called on any one thread.
+    // Decodes one read of `length` bytes (dialix::protocol::decode) and emits
+    // its events against the previous switch word, in their order. Only a read
+    // of exactly ReportSize bytes is decoded; anything else is ignored. The reader thread calls it
+    // for every read; while the panel is closed it may be called on any one thread.
     void processReport(const unsigned char *data, int length);
 
     // Called after the signals of every decoded report, on the thread that
@@ -164,8 +152,8 @@ private:
     hid_device *handle = nullptr;
     std::atomic<bool> running {false};
     quint32 previousSwitches = 0;
-    unsigned char inputBuffer[ReportSize] = {};
-    unsigned char ledReport[LedReportSize] = {};
+    unsigned char inputBuffer[dialix::protocol::ReportSize] = {};
+    unsigned char ledReport[dialix::protocol::LedReportSize] = {};
     QQueue<QByteArray> writeQueue;
     std::function<void()> reportDone;
     std::mutex queueMutex;

@@ -1155,17 +1155,17 @@ void DialixControl::setLed(int mask, bool on)
 
 void DialixControl::onVfoB(bool state)
 {
-    setLed(LedVfoB, state);
+    setLed(ledMask(dialix::protocol::LedVfoB), state);
 }
 
 void DialixControl::onLedEncoder(bool state)
 {
-    setLed(LedEncoders, state);
+    setLed(ledMask(dialix::protocol::LedDials), state);
 }
 
 void DialixControl::onLedButtons(bool state)
 {
-    setLed(LedKeys, state);
+    setLed(ledMask(dialix::protocol::LedKeys), state);
 }
 
 void DialixControl::onTrx(quint32 tranceiver, bool state)
@@ -1180,7 +1180,7 @@ void DialixControl::onTrx(quint32 tranceiver, bool state)
     bool transmitting = false;
     for (quint32 t = 0; t < count; ++t)
         transmitting = deviceManager->mox(t) || transmitting;
-    setLed(LedTransmit, transmitting);
+    setLed(ledMask(dialix::protocol::LedTransmit), transmitting);
 }
 
 void DialixControl::switchReceivers(int index)
@@ -1190,7 +1190,7 @@ void DialixControl::switchReceivers(int index)
         if (receiver < deviceManager->tranceivers())
             onTrx(receiver, deviceManager->mox(receiver));
     }
-    setLed(LedReceiver2, index > 0);
+    setLed(ledMask(dialix::protocol::LedReceiver2), index > 0);
 }
 
 // ---------------------------------------------------------------------------

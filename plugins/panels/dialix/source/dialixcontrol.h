@@ -76,15 +76,6 @@ class DialixControl : public DialixAbstract
     Q_OBJECT
 
 public:
-    // LED mask bits as the controller drives them.
-    enum Led : int {
-        LedVfoB = 0x01,
-        LedReceiver2 = 0x02,
-        LedTransmit = 0x04,
-        LedEncoders = 0x08,
-        LedKeys = 0x10,
-    };
-
     static constexpr int ButtonCount = 17; // pbFunc1 .. pbFunc17
     static constexpr int DialCount = 4; // pbDial0 .. pbDial3
     static constexpr int RetryIntervalMs = 1000;
