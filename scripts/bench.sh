@@ -5,13 +5,11 @@
 #   BENCH_FILTER=regex scripts/bench.sh   (run only the benchmarks whose name matches)
 #   BENCH_JSON=path scripts/bench.sh      (also write the JSON document to path)
 #
-# Each benchmark prints whatever it likes plus one or more lines that start with
-# '{': a JSON object. Two forms are understood:
+# Each benchmark prints a table for people and one line that starts with '{',
+# written by measure::Report (bench/measure.h):
 #   {"bench":"x","metrics":[{"name":"p50","value":12.5,"unit":"us",
-#                            "floor":3.1,"limit":1000}, ...]}
-#   {"bench":"x","p50_us":12.5,"p50_us_floor":3.1,"p99_us_limit":1000, ...}
-# In the flat form, "<key>_floor" and "<key>_limit" go beside "<key>"; a unit is
-# taken from the key's last "_" part when it is a known unit.
+#                            "floor":3.1,"limit":1000,"note":"..."}, ...]}
+# Every figure names its unit; floor, limit and note are optional.
 set -euo pipefail
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 BUILD_DIR="${1:-$ROOT/build-release}"
@@ -56,16 +54,7 @@ python3 - "$out" "${BENCH_JSON:-}" <<'PY'
 import json, os, sys, platform, datetime
 
 out, json_path = sys.argv[1], sys.argv[2]
-UNITS = {"us", "ms", "s", "ns", "pct", "percent", "kb", "kib", "mb", "mib", "hz", "per_s",
-         "msgs_per_s", "ops_per_s", "count", "bytes", "x"}
 rows, benches = [], []
-
-def unit_of(key):
-    parts = key.split("_")
-    for n in (3, 2, 1):
-        if len(parts) > n and "_".join(parts[-n:]) in UNITS:
-            return "_".join(parts[-n:])
-    return ""
 
 def add(bench, name, value, unit="", floor=None, limit=None, note=""):
     rows.append({"bench": bench, "name": name, "value": value, "unit": unit,
@@ -84,23 +73,13 @@ for line in open(os.path.join(out, "index.tsv")):
             add(exe, "(unparsable JSON line)", None, note=str(e))
             continue
         entry["results"].append(obj)
-        bench = str(obj.get("bench", obj.get("name", exe)))
-        if isinstance(obj.get("metrics"), list):
-            for m in obj["metrics"]:
-                add(bench, str(m.get("name", "?")), m.get("value"), m.get("unit", ""),
-                    m.get("floor"), m.get("limit"), str(m.get("note", "")))
+        bench = str(obj.get("bench", exe))
+        if not isinstance(obj.get("metrics"), list):
+            add(exe, "(JSON line without metrics)", None, note=text.strip()[:80])
             continue
-        keys = [k for k in obj if k not in ("bench", "name")]
-        side = {k for k in keys if k.endswith("_floor") or k.endswith("_limit")}
-        for k in keys:
-            if k in side:
-                if k.rsplit("_", 1)[0] not in obj:
-                    add(bench, k, obj[k], unit_of(k.rsplit("_", 1)[0]))
-                continue
-            v = obj[k]
-            if isinstance(v, (dict, list)):
-                v = json.dumps(v, separators=(",", ":"))
-            add(bench, k, v, unit_of(k), obj.get(k + "_floor"), obj.get(k + "_limit"))
+        for m in obj["metrics"]:
+            add(bench, str(m.get("name", "?")), m.get("value"), m.get("unit", ""),
+                m.get("floor"), m.get("limit"), str(m.get("note", "")))
 
 def fmt(v):
     if v is None:

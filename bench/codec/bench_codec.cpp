@@ -6,8 +6,9 @@
 //  - decode: setCommand() on every message (no receivers connected, so the
 //    figure is the codec's own cost); floor: copying the message's list and
 //    converting each element inline by its type.
-// Prints a table and one JSON line; runs for about 7 s.
+// Prints its figures through measure::Report; runs for about 7 s.
 
+#include "bench/measure.h"
 #include "command/qrvcommand.h"
 
 #include <QCoreApplication>
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <tuple>
 
 namespace {
 
@@ -184,25 +186,16 @@ int main(int argc, char **argv)
         }
     });
 
-    const double encodeRatio = encode.nsPerMessage / encodeFloor.nsPerMessage;
-    const double decodeRatio = decode.nsPerMessage / decodeFloor.nsPerMessage;
-
-    std::printf("command codec, mix of %d messages (all encoder forms, ids 0-189)\n", count);
-    std::printf("%-14s %14s %12s\n", "", "messages/s", "ns/message");
-    std::printf("%-14s %14.0f %12.1f\n", "encode", encode.perSecond, encode.nsPerMessage);
-    std::printf("%-14s %14.0f %12.1f\n", "encode floor", encodeFloor.perSecond,
-                encodeFloor.nsPerMessage);
-    std::printf("%-14s %14.0f %12.1f\n", "decode", decode.perSecond, decode.nsPerMessage);
-    std::printf("%-14s %14.0f %12.1f\n", "decode floor", decodeFloor.perSecond,
-                decodeFloor.nsPerMessage);
-    std::printf("time per message against the floor: encode %.2fx, decode %.2fx\n", encodeRatio,
-                decodeRatio);
-    // Flat form for scripts/bench.sh: "<key>_floor" goes beside "<key>".
-    std::printf("{\"bench\":\"codec\",\"messages\":%d,"
-                "\"encode_msgs_per_s\":%.0f,\"encode_msgs_per_s_floor\":%.0f,"
-                "\"decode_msgs_per_s\":%.0f,\"decode_msgs_per_s_floor\":%.0f,"
-                "\"encode_time_vs_floor_x\":%.3f,\"decode_time_vs_floor_x\":%.3f}\n",
-                count, encode.perSecond, encodeFloor.perSecond, decode.perSecond,
-                decodeFloor.perSecond, encodeRatio, decodeRatio);
+    measure::Report report("codec");
+    report.add("messages", count, "count", "mix of all encoder forms, ids 0-189");
+    for (const auto &[name, run, floor] :
+         {std::tuple {"encode", encode, encodeFloor}, std::tuple {"decode", decode, decodeFloor}}) {
+        const QString figure = QString::fromLatin1(name);
+        report.add(figure + "_msgs_per_s", run.perSecond, "per_s", {}, floor.perSecond);
+        report.add(figure + "_ns_per_message", run.nsPerMessage, "ns", {}, floor.nsPerMessage);
+        report.add(figure + "_time_vs_floor_x", run.nsPerMessage / floor.nsPerMessage, "x",
+                   "time per message against the floor");
+    }
+    report.print();
     return 0;
 }

@@ -9,8 +9,6 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <algorithm>
 #include <cstdio>
@@ -42,7 +40,7 @@ int main(int argc, char **argv)
     qRegisterMetaType<Dialix::Buttons>("Dialix::Buttons");
     qRegisterMetaType<Dialix::Dials>("Dialix::Dials");
     qRegisterMetaType<Dialix::DialButtons>("Dialix::DialButtons");
-    QJsonObject result {{"bench", "controller"}};
+    measure::Report report("controller");
 
     // Building a controller: 17 key menus of 61 actions, 4 dial menus, the
     // options page, the serial port list.
@@ -52,7 +50,7 @@ int main(int argc, char **argv)
         clock.start();
         for (int i = 0; i < rounds; ++i)
             DialixControl ctrl;
-        result["construct_ms"] = double(clock.nsecsElapsed()) / 1e6 / rounds;
+        report.add("construct_ms", double(clock.nsecsElapsed()) / 1e6 / rounds, "ms");
     }
 
     const int panel = vp::plug(QStringLiteral("BENCH1"));
@@ -80,11 +78,11 @@ int main(int argc, char **argv)
             emit ctrl.panel().button(Dialix::Key3, true);
             emit ctrl.panel().button(Dialix::Key3, false);
         }
-        result["press_release_us"] = double(clock.nsecsElapsed()) / 1e3 / rounds;
+        report.add("press_release_us", double(clock.nsecsElapsed()) / 1e3 / rounds, "us");
         clock.restart();
         for (int i = 0; i < rounds; ++i)
             emit ctrl.panel().dial(Dialix::Enc1, 1);
-        result["dial_move_us"] = double(clock.nsecsElapsed()) / 1e3 / rounds;
+        report.add("dial_move_us", double(clock.nsecsElapsed()) / 1e3 / rounds, "us");
     }
 
     // Panel report to command message, one press at a time.
@@ -110,8 +108,8 @@ int main(int argc, char **argv)
             vp::waitUntilRead(panel, 1000);
             QCoreApplication::processEvents();
         }
-        result["key_to_command_p50_us"] = percentile(latencies, 50);
-        result["key_to_command_p99_us"] = percentile(latencies, 99);
+        report.add("key_to_command_p50_us", percentile(latencies, 50), "us");
+        report.add("key_to_command_p99_us", percentile(latencies, 99), "us");
     }
 
     // The VFO encoder reporting +1 every 0.5 ms for two seconds: the coalescing
@@ -134,13 +132,15 @@ int main(int argc, char **argv)
         }
         serveUntil([] { return false; }, 50);
         const double elapsed = double(clock.nsecsElapsed()) / 1e9;
-        result["vfo_reports_per_s"] = turned / elapsed;
-        result["vfo_commands_per_s"] = double(vfoMessages) / elapsed;
-        result["vfo_commands_per_s_limit"] = 105; // 100 per second, plus coarse-timer slack
-        result["vfo_steps_delivered_pct"] = turned ? 100.0 * double(vfoSteps) / turned : 0.0;
+        report.add("vfo_reports_per_s", turned / elapsed, "per_s");
+        // 100 per second, plus coarse-timer slack
+        report.add("vfo_commands_per_s", double(vfoMessages) / elapsed, "per_s", {},
+                   measure::Report::None, 105);
+        report.add("vfo_steps_delivered_pct", turned ? 100.0 * double(vfoSteps) / turned : 0.0,
+                   "pct");
     }
 
     ctrl.optionsWidget()->ui->chbEnable->setChecked(false);
-    std::printf("%s\n", QJsonDocument(result).toJson(QJsonDocument::Compact).constData());
+    report.print();
     return 0;
 }

@@ -7,9 +7,6 @@
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QThread>
 #include <QTimer>
 
@@ -92,15 +89,6 @@ signals:
     void ping();
 };
 
-struct Metric
-{
-    QString name;
-    double value;
-    QString unit;
-    double floor = -1;
-    QString note;
-};
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -109,7 +97,7 @@ int main(int argc, char **argv)
     qRegisterMetaType<Dialix::Buttons>("Dialix::Buttons");
     qRegisterMetaType<Dialix::Dials>("Dialix::Dials");
     qRegisterMetaType<Dialix::DialButtons>("Dialix::DialButtons");
-    std::vector<Metric> metrics;
+    measure::Report report("device");
     constexpr int Samples = 1000;
 
     // Floor: a bare queued signal from a plain thread to the main thread.
@@ -152,10 +140,10 @@ int main(int argc, char **argv)
     }
     const double floorP50 = percentile(floorRun.latenciesUs, 50);
     const double floorP99 = percentile(floorRun.latenciesUs, 99);
-    metrics.push_back({"report_to_slot_p50", percentile(panelRun.latenciesUs, 50), "us", floorP50,
-                       "floor: bare cross-thread queued signal"});
-    metrics.push_back({"report_to_slot_p99", percentile(panelRun.latenciesUs, 99), "us", floorP99,
-                       "floor: bare cross-thread queued signal"});
+    report.add("report_to_slot_p50", percentile(panelRun.latenciesUs, 50), "us",
+               "floor: bare cross-thread queued signal", floorP50);
+    report.add("report_to_slot_p99", percentile(panelRun.latenciesUs, 99), "us",
+               "floor: bare cross-thread queued signal", floorP99);
 
     // A full-speed USB panel's maximum: one report per millisecond for 10 s,
     // each report toggling one key, so every report carries exactly one edge.
@@ -197,11 +185,11 @@ int main(int argc, char **argv)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         const double cpuPercent = cpu.percent();
         device.closeDevice();
-        metrics.push_back(
-            {"stream_1khz_edges_lost", double(Reports - edges), "count", -1,
-             QStringLiteral("%1 reports in 10 s, %2 out of order").arg(Reports).arg(outOfOrder)});
-        metrics.push_back({"stream_1khz_cpu", cpuPercent, "pct", -1,
-                           "whole process, the simulated panel's thread included"});
+        report.add(
+            "stream_1khz_edges_lost", double(Reports - edges), "count",
+            QStringLiteral("%1 reports in 10 s, %2 out of order").arg(Reports).arg(outOfOrder));
+        report.add("stream_1khz_cpu", cpuPercent, "pct",
+                   "whole process, the simulated panel's thread included");
     }
 
     // A backlog of reports, each changing one key, for the saturation runs.
@@ -234,8 +222,8 @@ int main(int argc, char **argv)
         }
         const double seconds = std::chrono::duration<double>(Clock::now() - started).count();
         device.closeDevice();
-        metrics.push_back({"saturation_reports", Reports / seconds, "per_s", -1,
-                           "read, decoded and handled on the main thread"});
+        report.add("saturation_reports", Reports / seconds, "per_s",
+                   "read, decoded and handled on the main thread");
     }
     {
         // The reader alone: the same backlog with nothing connected.
@@ -248,8 +236,7 @@ int main(int argc, char **argv)
         vp::waitUntilRead(panel, 30000);
         const double seconds = std::chrono::duration<double>(Clock::now() - started).count();
         device.closeDevice();
-        metrics.push_back(
-            {"saturation_reader_only", Reports / seconds, "per_s", -1, "read and decoded"});
+        report.add("saturation_reader_only", Reports / seconds, "per_s", "read and decoded");
     }
 
     // An open panel with nothing to say, and one whose every read fails at once
@@ -267,31 +254,12 @@ int main(int argc, char **argv)
         const int reads = vp::readCalls(panel) - readsBefore;
         vp::setReadsFail(panel, false);
         device.closeDevice();
-        metrics.push_back({failing ? "read_error_cpu" : "idle_cpu", cpuPercent, "pct", -1,
-                           QStringLiteral("%1 reads per second").arg(reads / 3)});
+        report.add(failing ? "read_error_cpu" : "idle_cpu", cpuPercent, "pct",
+                   QStringLiteral("%1 reads per second").arg(reads / 3));
     }
     vp::reset();
 
-    std::printf("%-26s %14s %-6s %12s %8s  %s\n", "figure", "value", "unit", "floor", "ratio",
-                "note");
-    QJsonArray list;
-    for (const Metric &m : metrics) {
-        QJsonObject o {{"name", m.name}, {"value", m.value}, {"unit", m.unit}};
-        QString floorText, ratioText;
-        if (m.floor >= 0) {
-            o["floor"] = m.floor;
-            floorText = QString::number(m.floor, 'f', 1);
-            ratioText = QString::number(m.value / m.floor, 'f', 2) + "x";
-        }
-        if (!m.note.isEmpty())
-            o["note"] = m.note;
-        list.append(o);
-        std::printf("%-26s %14.1f %-6s %12s %8s  %s\n", qPrintable(m.name), m.value,
-                    qPrintable(m.unit), qPrintable(floorText), qPrintable(ratioText),
-                    qPrintable(m.note));
-    }
-    const QJsonObject doc {{"bench", "device"}, {"metrics", list}};
-    std::printf("%s\n", QJsonDocument(doc).toJson(QJsonDocument::Compact).constData());
+    report.print();
     return 0;
 }
 

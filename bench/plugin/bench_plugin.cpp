@@ -21,7 +21,7 @@
 // failing reads; one hot-plug cycle per open panel; 1, 2 and 4 panels under the
 // same stream each.
 //
-// Prints a readable table and one JSON line {"bench":"plugin","metrics":[...]}.
+// Prints its figures through measure::Report (a table, then one JSON line).
 // BENCH_SCALE (default 1) scales the measuring times; BENCH_PHASES picks phases.
 
 #include "bench/measure.h"
@@ -32,9 +32,6 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QPluginLoader>
 #include <QSettings>
 #include <QTabWidget>
@@ -100,21 +97,12 @@ double scale()
     return ok && s > 0 ? s : 1.0;
 }
 
-struct Metric
-{
-    QString name;
-    double value;
-    QString unit;
-    double floor = -1;
-    double limit = -1;
-    QString note;
-};
-std::vector<Metric> metrics;
+measure::Report figures("plugin");
 
-void add(const QString &name, double value, const QString &unit, const QString &note = {},
-         double floor = -1, double limit = -1)
+void add(const QString &name, double value, const char *unit, const QString &note = {},
+         double floor = measure::Report::None, double limit = measure::Report::None)
 {
-    metrics.push_back({name, value, unit, floor, limit, note});
+    figures.add(name, value, unit, note, floor, limit);
 }
 
 } // namespace
@@ -740,29 +728,6 @@ void scaling(Host &host, QObject *root, std::vector<int> &panels)
     openPanels(root, panels, 1);
 }
 
-void print()
-{
-    std::printf("%-28s %12s %-6s %10s %8s  %s\n", "figure", "value", "unit", "floor", "limit",
-                "note");
-    QJsonArray list;
-    for (const Metric &m : metrics) {
-        QJsonObject o {{"name", m.name}, {"value", m.value}, {"unit", m.unit}};
-        if (m.floor >= 0)
-            o["floor"] = m.floor;
-        if (m.limit >= 0)
-            o["limit"] = m.limit;
-        if (!m.note.isEmpty())
-            o["note"] = m.note;
-        list.append(o);
-        std::printf(
-            "%-28s %12.2f %-6s %10s %8s  %s\n", qPrintable(m.name), m.value, qPrintable(m.unit),
-            m.floor >= 0 ? qPrintable(QString::number(m.floor, 'f', 2)) : "",
-            m.limit >= 0 ? qPrintable(QString::number(m.limit, 'g', 4)) : "", qPrintable(m.note));
-    }
-    const QJsonObject doc {{"bench", "plugin"}, {"metrics", list}};
-    std::printf("%s\n", QJsonDocument(doc).toJson(QJsonDocument::Compact).constData());
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -883,7 +848,7 @@ int main(int argc, char **argv)
     if (phase("scaling"))
         scaling(host, plugin, panels);
 
-    print();
+    figures.print();
     if (qEnvironmentVariableIsSet("BENCH_VERBOSE")) {
         for (int id = 0; id < 190; ++id)
             if (host.count[id])
