@@ -11,11 +11,14 @@ class SenderKeyToSystemPlatform;
 // (see systemkeys.h). One object per process, made on first use and kept to
 // the end of the process.
 //
+// Part of the plug-in's module and exported from it: the host's key-control
+// classes call it (the plug-in itself does not).
+//
 // A key is injected as a single key-up event, without a key-down before it.
 // That is the contract on every platform. On Linux the input core drops the
 // release of a key that is not held, so there the event reaches the virtual
 // keyboard but usually has no visible effect.
-class SenderKeyToSystem : public QObject
+class Q_DECL_EXPORT SenderKeyToSystem : public QObject
 {
     Q_OBJECT
 

@@ -8,7 +8,7 @@ BUILD_DIR="${DIALIX_ASAN_BUILD:-$ROOT/build-asan}"
 start=$(date +%s)
 
 cmake -S "$ROOT" -B "$BUILD_DIR" -DCMAKE_BUILD_TYPE=Debug -DDIALIX_WERROR=ON \
-    -DDIALIX_SANITIZE=address,undefined -DDIALIX_BUILD_BENCH=OFF >/dev/null
+    -DDIALIX_SANITIZE=address,undefined -DDIALIX_BUILD_BENCH=OFF
 cmake --build "$BUILD_DIR" -j2
 
 # The fast unwinder stays on: the slow one (whole stacks through Debian's Qt,

@@ -12,7 +12,7 @@ BUILD_DIR="${DIALIX_FUZZ_BUILD:-$ROOT/build-fuzz}"
 SECONDS_PER_TARGET="${DIALIX_FUZZ_SECONDS:-60}"
 start=$(date +%s)
 
-cmake -C "$ROOT/fuzz/fuzz-cache.cmake" -S "$ROOT" -B "$BUILD_DIR" >/dev/null
+cmake -C "$ROOT/fuzz/fuzz-cache.cmake" -S "$ROOT" -B "$BUILD_DIR"
 cmake --build "$BUILD_DIR" -j2 --target fuzzers
 
 export ASAN_OPTIONS="detect_leaks=1:allocator_may_return_null=1"

@@ -19,7 +19,7 @@ cmake -S "$ROOT" -B "$BUILD" \
     -DCMAKE_CXX_FLAGS="$CXXFLAGS $CPPFLAGS" \
     -DCMAKE_EXE_LINKER_FLAGS="$LDFLAGS" \
     -DCMAKE_SHARED_LINKER_FLAGS="$LDFLAGS" \
-    -DCMAKE_MODULE_LINKER_FLAGS="$LDFLAGS" >/dev/null
+    -DCMAKE_MODULE_LINKER_FLAGS="$LDFLAGS"
 cmake --build "$BUILD" -j2
 echo "package: built in $((SECONDS - start)) s"
 

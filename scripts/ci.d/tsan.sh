@@ -9,7 +9,7 @@ BUILD_DIR="${DIALIX_TSAN_BUILD:-$ROOT/build-tsan}"
 start=$(date +%s)
 
 cmake -S "$ROOT" -B "$BUILD_DIR" -DCMAKE_BUILD_TYPE=Debug -DDIALIX_WERROR=ON \
-    -DDIALIX_SANITIZE=thread -DDIALIX_BUILD_BENCH=OFF -DDIALIX_BUILD_TOOLS=ON >/dev/null
+    -DDIALIX_SANITIZE=thread -DDIALIX_BUILD_BENCH=OFF -DDIALIX_BUILD_TOOLS=ON
 
 # ctest knows the threaded tests once configured; each test is named after its
 # executable target.

@@ -24,12 +24,14 @@ version=$(sed -n 's/^project(dialix VERSION \([0-9.]*\).*/\1/p' "$SRC/CMakeLists
 [ "$(field Section)" = hamradio ] || fail "Section is '$(field Section)'"
 [ -n "$(field Maintainer)" ] || fail "no Maintainer"
 
-# Dependencies: the runtime packages of Qt, hidapi and udev by name...
+# Dependencies: the runtime packages of Qt, hidapi, udev and libevdev (the key
+# injector's virtual keyboard) by name...
 depends=$(field Depends)
 # One package name a line (alternatives included, versions dropped).
 depends_names=$(tr ',|' '\n\n' <<<"$depends" | sed 's/(.*//; s/[[:space:]]//g')
 depends_on() { grep -qxF "$1" <<<"$depends_names"; }
-for pkg in libqt5core5a libqt5gui5 libqt5widgets5 libqt5serialport5 libhidapi-hidraw0 libudev1 libc6 libstdc++6; do
+for pkg in libqt5core5a libqt5gui5 libqt5widgets5 libqt5serialport5 libhidapi-hidraw0 libudev1 \
+    libevdev2 libc6 libstdc++6; do
     depends_on "$pkg" || fail "Depends lacks $pkg: $depends"
 done
 

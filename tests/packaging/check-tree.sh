@@ -92,9 +92,13 @@ if readelf -d "$ROOT/$plugin" 2>/dev/null | grep -q 'libdialix_virtualpanel'; th
     fail "the plug-in for real panels needs the virtual panel"
 fi
 
-# The plug-in carries the host's interface id in its metadata.
+# The plug-in carries the host's interface id in its metadata, and exports the
+# key injector that the host's key-control classes call.
 grep -aq 'Brindlecraft.Quorvane2.plugin' "$ROOT/$plugin" 2>/dev/null \
     || fail "the plug-in's metadata lacks its interface id"
+exports=$(nm -D --defined-only "$ROOT/$plugin" 2>/dev/null)
+grep -q ' _ZN17SenderKeyToSystem8instanceEv$' <<<"$exports" \
+    || fail "the plug-in does not export SenderKeyToSystem::instance()"
 
 # The installed probe runs.
 version=$("$ROOT/usr/bin/dialix-probe" --version 2>&1)

@@ -16,10 +16,6 @@ if(NOT WIN32)
 endif()
 dialix_warnings(dialix_devicewatcher)
 
-if(NOT TARGET dialix_control)
-    return()
-endif()
-
 # The root object with its embedded metadata.
 add_library(dialix_root STATIC
     ${_dialix_src}/controldialix.h
@@ -29,11 +25,15 @@ target_link_libraries(dialix_root PUBLIC dialix_control dialix_devicewatcher dia
 dialix_warnings(dialix_root)
 
 # The loadable plug-ins. The root library goes in whole: nothing inside the
-# module refers to the plug-in entry points, the loader does.
+# module refers to the plug-in entry points, the loader does. So does the key
+# injector (keys/, dialix_keys): nothing in the plug-in calls it, the host's
+# key-control classes do, through SenderKeyToSystem::instance() exported from
+# the module. It is part of the plug-in, not a library of its own.
 function(dialix_plugin_module target)
     add_library(${target} MODULE ${_dialix_src}/dialix.json)
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX PREFIX "lib")
-    target_link_libraries(${target} PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,dialix_root>" ${ARGN})
+    target_link_libraries(${target} PRIVATE
+        "$<LINK_LIBRARY:WHOLE_ARCHIVE,dialix_root,dialix_keys>" ${ARGN})
     target_link_options(${target} PRIVATE -Wl,--no-undefined)
 endfunction()
 
@@ -49,17 +49,6 @@ else()
     dialix_plugin_module(dialix dialix_hidapi_real)
 endif()
 
-# libdialix_virtual.so: the same plug-in over the virtual panel. The virtual
-# panel lives in a shared library so that the plug-in and whoever drives the
-# panels (the reference host, the tests) share its one state.
-if(DIALIX_BUILD_TOOLS)
-    add_library(dialix_virtualpanel_shared SHARED ${CMAKE_SOURCE_DIR}/tools/virtualpanel/virtualpanel.h)
-    set_target_properties(dialix_virtualpanel_shared PROPERTIES
-        LINKER_LANGUAGE CXX OUTPUT_NAME dialix_virtualpanel)
-    target_link_libraries(dialix_virtualpanel_shared
-        PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,dialix_virtualpanel>"
-        PUBLIC Qt5::Core dialix_hidapi_headers)
-    target_link_options(dialix_virtualpanel_shared PRIVATE -Wl,--no-undefined)
-
-    dialix_plugin_module(dialix_virtual dialix_virtualpanel_shared)
-endif()
+# libdialix_virtual.so: the same plug-in over the virtual panel's shared library
+# (tools/virtualpanel), which the reference host and the tests share with it.
+dialix_plugin_module(dialix_virtual dialix_virtualpanel_shared)
