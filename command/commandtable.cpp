@@ -1,3 +1,5 @@
+// The command table's lookups by id and by name.
+
 #include "command/commandtable.h"
 
 #include <QStringList>

@@ -1,3 +1,5 @@
+// The command codec: encoders that build messages, the dispatcher that decodes them.
+
 #include "command/qrvcommand.h"
 
 #include <QThread>

@@ -1,5 +1,7 @@
 #pragma once
 
+// qrvCommand, the command codec between the host and its plug-ins.
+
 #include "command/commandtable.h"
 #include "interfaces/cwkeycontrolabstract.h"
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Declaration of the host's CW-key control interface.
+
 #include <QObject>
 
 // The host's CW-key control object. The host owns it and hands its address to

@@ -1,5 +1,7 @@
 #pragma once
 
+// Declaration of the host's device-manager interface.
+
 #include <QObject>
 
 class CwKeyControlAbstract;

@@ -1,5 +1,7 @@
 #pragma once
 
+// DialixAbstract, the interface the host drives a panel plug-in through.
+
 #include <QObject>
 #include <QString>
 #include <QVariant>

@@ -1,3 +1,5 @@
+// The process-wide key injector over the platform implementation.
+
 #include "keys/senderkeytosystem.h"
 
 #include "keys/senderkeytosystemplatform.h"

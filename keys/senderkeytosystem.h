@@ -1,5 +1,7 @@
 #pragma once
 
+// SenderKeyToSystem, the key injector that the host's key-control classes call.
+
 #include <QObject>
 
 #include <memory>

@@ -1,3 +1,5 @@
+// Key injection on Linux: a uinput virtual keyboard.
+
 #include "keys/senderkeytosystem_linux.h"
 
 #include <QDebug>

@@ -1,5 +1,7 @@
 #pragma once
 
+// SenderKeyToSystemLinux, key injection through a uinput virtual keyboard.
+
 #include "keys/senderkeytosystemplatform.h"
 
 #include <QString>

@@ -1,3 +1,5 @@
+// Key injection on Windows: SendInput.
+
 #include "keys/senderkeytosystem_win.h"
 
 #include <windows.h>

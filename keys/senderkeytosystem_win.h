@@ -1,5 +1,7 @@
 #pragma once
 
+// SenderKeyToSystemWindows, key injection through SendInput.
+
 #include "keys/senderkeytosystemplatform.h"
 
 // Key injection through SendInput: one key-up record of the key's virtual

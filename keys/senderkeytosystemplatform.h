@@ -1,5 +1,7 @@
 #pragma once
 
+// SenderKeyToSystemPlatform, what a platform implements to inject a key.
+
 #include "keys/systemkeys.h"
 
 #include <QObject>

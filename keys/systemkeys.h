@@ -1,5 +1,7 @@
 #pragma once
 
+// The table of keys the injector knows, with their Windows and Linux codes.
+
 #include <Qt>
 #include <QtGlobal>
 

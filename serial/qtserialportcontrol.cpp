@@ -1,3 +1,5 @@
+// The serial-port interface on QSerialPort.
+
 #include "serial/qtserialportcontrol.h"
 
 #include <QDebug>

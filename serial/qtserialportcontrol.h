@@ -1,5 +1,7 @@
 #pragma once
 
+// QtSerialPortControl, the serial-port interface on QSerialPort.
+
 #include "serial/serialportabstract.h"
 
 #include <QMutex>

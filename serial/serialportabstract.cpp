@@ -1,3 +1,5 @@
+// The serial-port interface's meta-object and base.
+
 #include "serial/serialportabstract.h"
 
 SerialPortAbstract::SerialPortAbstract(QObject *parent)

@@ -1,5 +1,7 @@
 #pragma once
 
+// SerialPortAbstract, the serial port as PTT transfer drives it.
+
 #include <QByteArray>
 #include <QIODevice>
 #include <QObject>

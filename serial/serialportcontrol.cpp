@@ -1,3 +1,5 @@
+// The serial-port facade each controller owns.
+
 #include "serial/serialportcontrol.h"
 
 #include "serial/qtserialportcontrol.h"

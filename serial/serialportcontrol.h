@@ -1,5 +1,7 @@
 #pragma once
 
+// SerialPortControl, the serial-port facade each controller owns.
+
 #include <QList>
 #include <QObject>
 

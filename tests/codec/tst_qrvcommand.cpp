@@ -1,3 +1,5 @@
+// Tests of the command codec: the table, the encoders' wire forms, the dispatcher.
+
 #include "command/qrvcommand.h"
 
 #include <QMetaMethod>

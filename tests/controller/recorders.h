@@ -1,5 +1,7 @@
 #pragma once
 
+// Test doubles of the host for the controller tests, recording calls as text.
+
 #include "command/qrvcommand.h"
 #include "interfaces/cwkeycontrolabstract.h"
 #include "interfaces/devicemanagerabstract.h"

@@ -1,3 +1,5 @@
+// Tests of the panel controller on the GUI thread: functions, dials, persistence.
+
 #include "recorders.h"
 
 #include <QAction>

@@ -1,3 +1,5 @@
+// Tests of the panel controller with an open panel and PTT port: LEDs, PTT, reader.
+
 #include "recorders.h"
 #include "tests/support/ptymodemlines.h"
 #include "tools/virtualpanel/virtualpanel.h"

@@ -1,3 +1,5 @@
+// Tests of the VFO coalescing timer.
+
 #include "plugins/panels/dialix/source/valuetimeout.h"
 
 #include <QSignalSpy>

@@ -1,5 +1,7 @@
 #pragma once
 
+// A recorder of the panel device's signals, as text lines.
+
 #include "plugins/panels/dialix/source/dialix.h"
 
 #include <QObject>

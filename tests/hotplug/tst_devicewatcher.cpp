@@ -1,3 +1,5 @@
+// Tests of the hot-plug watcher with this machine's uevents.
+
 #include "plugins/panels/dialix/source/devicewatcher.h"
 
 #include <QProcess>

@@ -1,3 +1,5 @@
+// Tests of the key injector: which keys go out, as which codes.
+
 #include "keys/senderkeytosystem.h"
 #include "keys/senderkeytosystemplatform.h"
 

@@ -1,3 +1,5 @@
+// Tests of the Linux virtual keyboard (uinput where it can be opened).
+
 #include "keys/senderkeytosystem_linux.h"
 
 #include <QtTest>

@@ -1,3 +1,5 @@
+// Tests of the options page: ranges, couplings and signals of its controls.
+
 #include "plugins/panels/dialix/source/dialixoptions.h"
 #include "plugins/panels/dialix/source/dialixtranslation.h"
 

@@ -1,3 +1,5 @@
+// Tests of the function tables: sub-menus, labels and slot names.
+
 #include "plugins/panels/dialix/source/dialixtranslation.h"
 #include "plugins/panels/dialix/source/functiontable.h"
 

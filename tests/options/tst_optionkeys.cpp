@@ -1,3 +1,5 @@
+// Tests of the options page's keys: round trip, stored form, fallbacks.
+
 #include "plugins/panels/dialix/source/dialixoptions.h"
 #include "plugins/panels/dialix/source/optionkeys.h"
 

@@ -1,3 +1,5 @@
+// Tests of the plug-in end to end, loaded through Qt's plug-in loader.
+
 #include "interfaces/dialixabstract.h"
 #include "tools/host/radiomodel.h"
 #include "tools/virtualpanel/virtualpanel.h"

@@ -1,3 +1,5 @@
+// Tests of the reference host's radio model and command text.
+
 #include "tools/host/commandtext.h"
 #include "tools/host/radiomodel.h"
 

@@ -1,3 +1,5 @@
+// Tests of dialix-probe over the virtual panel.
+
 #include "tools/probe/backend.h"
 #include "tools/probe/probe.h"
 #include "tools/virtualpanel/virtualpanel.h"

@@ -1,3 +1,5 @@
+// Tests of QtSerialPortControl on pseudo-terminals with emulated modem lines.
+
 #include "serial/qtserialportcontrol.h"
 #include "tests/support/ptymodemlines.h"
 

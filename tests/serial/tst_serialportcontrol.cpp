@@ -1,3 +1,5 @@
+// Tests of the serial-port facade.
+
 #include "serial/qtserialportcontrol.h"
 #include "serial/serialportcontrol.h"
 #include "tests/support/ptymodemlines.h"

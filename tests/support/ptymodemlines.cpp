@@ -1,3 +1,5 @@
+// Pseudo-terminal pairs for tests, with emulated modem lines.
+
 #include "tests/support/ptymodemlines.h"
 
 #include "tests/support/ptyinterpose_p.h"

@@ -1,3 +1,5 @@
+// Command messages as an operator reads them.
+
 #include "commandtext.h"
 
 #include "command/commandtable.h"

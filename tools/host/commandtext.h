@@ -1,5 +1,7 @@
 #pragma once
 
+// The reference host's readable form of a command message.
+
 #include <QString>
 #include <QVariant>
 

@@ -1,3 +1,5 @@
+// The reference host's main window.
+
 #include "hostwindow.h"
 
 #include "pluginhost.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+// HostWindow, the reference host's main window.
+
 #include <QMainWindow>
 
 #include <memory>

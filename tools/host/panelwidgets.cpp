@@ -1,3 +1,5 @@
+// The panel picture's lamps and dials.
+
 #include "panelwidgets.h"
 
 #include <QMouseEvent>

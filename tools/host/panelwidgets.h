@@ -1,5 +1,7 @@
 #pragma once
 
+// Widgets of the virtual panel's picture: LED lamps and push-dials.
+
 #include <QColor>
 #include <QWidget>
 

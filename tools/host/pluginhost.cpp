@@ -1,3 +1,5 @@
+// The reference host's side of the plug-in protocol.
+
 #include "pluginhost.h"
 
 #include "command/qrvcommand.h"

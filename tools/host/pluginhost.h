@@ -1,5 +1,7 @@
 #pragma once
 
+// PluginHost, which loads a panel plug-in and serves it as the host does.
+
 #include "interfaces/dialixabstract.h"
 #include "radiomodel.h"
 

@@ -1,3 +1,5 @@
+// The reference host's radio.
+
 #include "radiomodel.h"
 
 #include <QtGlobal>

@@ -1,5 +1,7 @@
 #pragma once
 
+// RadioModel, the small radio behind the reference host.
+
 #include "interfaces/cwkeycontrolabstract.h"
 #include "interfaces/devicemanagerabstract.h"
 

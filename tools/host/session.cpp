@@ -1,3 +1,5 @@
+// The scripted operator session of the reference host.
+
 #include "session.h"
 
 #include "pluginhost.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+// Session, a scripted operator session over the virtual panel.
+
 #include <QObject>
 #include <QString>
 #include <QVector>

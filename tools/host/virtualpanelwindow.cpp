@@ -1,3 +1,5 @@
+// The virtual panel window, playable with the mouse and the keyboard.
+
 #include "virtualpanelwindow.h"
 
 #include "panelwidgets.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+// The virtual panel window and the relay of its LED reports.
+
 #include <QHash>
 #include <QList>
 #include <QObject>

@@ -1,5 +1,7 @@
 #pragma once
 
+// The hidapi back end that dialix-probe is linked with.
+
 #include <QTextStream>
 
 // The hidapi back end that the probe is linked with. The shipped probe uses the

@@ -1,3 +1,5 @@
+// dialix-probe's back end for the system's hidapi: nothing to prepare.
+
 #include "tools/probe/backend.h"
 
 bool prepareBackend(QTextStream &)

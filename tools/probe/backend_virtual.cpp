@@ -1,3 +1,5 @@
+// dialix-probe's back end for the virtual panel: plugs in simulated panels.
+
 #include "tools/probe/backend.h"
 
 #include "tools/virtualpanel/virtualpanel.h"

@@ -1,3 +1,5 @@
+// dialix-probe: the signal handler and the run.
+
 #include "tools/probe/backend.h"
 #include "tools/probe/probe.h"
 

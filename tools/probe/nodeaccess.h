@@ -1,5 +1,7 @@
 #pragma once
 
+// HID device-node checks that dialix-probe makes beside hidapi.
+
 #include <QByteArray>
 
 // Tries to open a HID device node for reading and writing, the way hidapi does,

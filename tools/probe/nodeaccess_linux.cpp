@@ -1,3 +1,5 @@
+// Device-node checks on Linux: hidraw nodes and their sysfs attributes.
+
 #include "tools/probe/nodeaccess.h"
 
 #include <QFile>

@@ -1,3 +1,5 @@
+// Device-node checks on Windows: none beyond hidapi.
+
 #include "tools/probe/nodeaccess.h"
 
 int nodeOpenError(const char *)

@@ -1,3 +1,5 @@
+// dialix-probe: listing, permissions, live events, LEDs, report descriptors.
+
 #include "tools/probe/probe.h"
 
 #include "plugins/panels/dialix/source/dialix.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+// dialix-probe, the operator's diagnostic tool, as one function.
+
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QList>

@@ -1,3 +1,5 @@
+// The virtual panel: hidapi's functions over simulated panels.
+
 #include "tools/virtualpanel/virtualpanel.h"
 
 #include <hidapi.h>

@@ -1,3 +1,5 @@
+// The plug-in's root: controllers per panel, tabs, host hand-over, hot-plug.
+
 #include "controldialix.h"
 
 #include "command/commandtable.h"

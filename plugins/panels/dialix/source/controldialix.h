@@ -1,5 +1,7 @@
 #pragma once
 
+// ControlDialix, the plug-in's root object that the host loads.
+
 #include "interfaces/dialixabstract.h"
 #include "plugins/panels/dialix/source/dialix.h"
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// DeviceWatcher, which reports changes of the system's device tree.
+
 #include <QByteArray>
 #include <QObject>
 #include <QString>

@@ -1,3 +1,5 @@
+// The device watcher on Linux: a udev monitor on the event loop.
+
 #include "devicewatcher.h"
 
 #include <QFileInfo>

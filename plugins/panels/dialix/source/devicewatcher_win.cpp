@@ -1,3 +1,5 @@
+// The device watcher on Windows: the root's native event filter does the work.
+
 #include "devicewatcher.h"
 
 #include <windows.h>

@@ -1,3 +1,5 @@
+// The panel device: enumeration, open and close, the reader thread, LED reports.
+
 #include "plugins/panels/dialix/source/dialix.h"
 
 #include <QEventLoop>

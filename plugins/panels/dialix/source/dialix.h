@@ -1,5 +1,7 @@
 #pragma once
 
+// Dialix, the panel device: one USB control panel seen through hidapi.
+
 #include <QByteArray>
 #include <QList>
 #include <QQueue>

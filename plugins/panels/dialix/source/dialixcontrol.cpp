@@ -1,3 +1,5 @@
+// The controller of one panel: its events become host commands, host state its LEDs.
+
 #include "plugins/panels/dialix/source/dialixcontrol.h"
 
 #include "command/qrvcommand.h"

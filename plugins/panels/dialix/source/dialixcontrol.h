@@ -1,5 +1,7 @@
 #pragma once
 
+// DialixControl, the controller of one panel.
+
 #include "interfaces/devicemanagerabstract.h"
 #include "interfaces/dialixabstract.h"
 #include "plugins/panels/dialix/source/dialix.h"

@@ -1,3 +1,5 @@
+// The options page of one panel.
+
 #include "plugins/panels/dialix/source/dialixoptions.h"
 
 #include <QSignalMapper>

@@ -1,5 +1,6 @@
-#ifndef DIALIX_DIALIXOPTIONS_H
-#define DIALIX_DIALIXOPTIONS_H
+#pragma once
+
+// DialixOptions, the options page of one panel.
 
 #include <QList>
 #include <QWidget>
@@ -56,5 +57,3 @@ public slots:
     // value does nothing.
     void unpressDial1(int value);
 };
-
-#endif // DIALIX_DIALIXOPTIONS_H

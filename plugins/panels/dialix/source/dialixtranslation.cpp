@@ -1,3 +1,5 @@
+// Installing the plug-in's embedded translations.
+
 #include "plugins/panels/dialix/source/dialixtranslation.h"
 
 #include <QCoreApplication>

@@ -1,5 +1,6 @@
-#ifndef DIALIX_DIALIXTRANSLATION_H
-#define DIALIX_DIALIXTRANSLATION_H
+#pragma once
+
+// The plug-in's translations, embedded in the library.
 
 #include <QLocale>
 
@@ -13,5 +14,3 @@ bool installDialixTranslator(const QLocale &locale = QLocale::system());
 // and deletes it. Its texts live in this library, so it must go before the
 // library is unloaded. Does nothing when none is installed.
 void removeDialixTranslator();
-
-#endif // DIALIX_DIALIXTRANSLATION_H

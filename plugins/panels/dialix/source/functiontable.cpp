@@ -1,3 +1,5 @@
+// The function tables' labels and sub-menu lookups.
+
 #include "plugins/panels/dialix/source/functiontable.h"
 
 #include <QCoreApplication>

@@ -1,5 +1,4 @@
-#ifndef DIALIX_FUNCTIONTABLE_H
-#define DIALIX_FUNCTIONTABLE_H
+#pragma once
 
 // The functions a panel key or dial can be given, in one place.
 //
@@ -362,5 +361,3 @@ static_assert(detail::placesAreDense(SubMenu::Main) && detail::placesAreDense(Su
               "places inside a sub-menu must be 0 .. size-1, each once");
 
 } // namespace dialix
-
-#endif // DIALIX_FUNCTIONTABLE_H

@@ -1,3 +1,5 @@
+// Reading and writing the options page's keys.
+
 #include "plugins/panels/dialix/source/optionkeys.h"
 #include "plugins/panels/dialix/source/dialixoptions.h"
 

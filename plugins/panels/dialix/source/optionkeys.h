@@ -1,5 +1,4 @@
-#ifndef DIALIX_OPTIONKEYS_H
-#define DIALIX_OPTIONKEYS_H
+#pragma once
 
 // The settings keys of the options page, in one table.
 //
@@ -118,5 +117,3 @@ static_assert(detail::isPermutation(ownFileReadOrder) && detail::isPermutation(h
               "each store reads every key exactly once");
 
 } // namespace dialix
-
-#endif // DIALIX_OPTIONKEYS_H

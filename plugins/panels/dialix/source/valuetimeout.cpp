@@ -1,3 +1,5 @@
+// The VFO coalescing timer.
+
 #include "plugins/panels/dialix/source/valuetimeout.h"
 
 #include <QTimerEvent>

@@ -1,5 +1,7 @@
 #pragma once
 
+// ValueTimeout, which lets a fast stream of values out at most once per tick.
+
 #include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QObject>
