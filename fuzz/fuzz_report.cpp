@@ -108,9 +108,11 @@ void checkCases()
     // clang-format on
     for (const Case &c : cases) {
         const QByteArray bytes = QByteArray::fromHex(c.hex);
-        check(bytes.size() == ReportSize, "a hand-written report is not 17 bytes", 0);
         const auto *report = reinterpret_cast<const unsigned char *>(bytes.constData());
-        check(listOf(decode(report, c.previous)) == c.events, c.hex, 0);
+        if (bytes.size() != ReportSize || listOf(decode(report, c.previous)) != c.events) {
+            std::fprintf(stderr, "hand-written report %s: not decoded as written\n", c.hex);
+            std::abort();
+        }
     }
 }
 
