@@ -2,6 +2,8 @@
 
 // Dialix, the panel device: one USB control panel seen through hidapi.
 
+#include "plugins/panels/dialix/source/panelprotocol.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QQueue>
@@ -12,8 +14,6 @@
 #include <condition_variable>
 #include <functional>
 #include <mutex>
-
-#include "plugins/panels/dialix/source/panelprotocol.h"
 
 #include <hidapi.h>
 
@@ -95,9 +95,9 @@ public:
     // panel is already open. Returns true when this call opened the panel.
     bool openDevice();
 
-    // Sets or clears LED bit `bit` (0..7, see dialix::protocol::Led) and
-    // queues the whole mask. Ignored
-    // while the panel is closed: the mask does not change then.
+    // Sets or clears LED bit `bit` (0..7, see dialix::protocol::Led) and queues
+    // the whole mask. Ignored while the panel is closed: the mask does not
+    // change then.
     void setLed(int bit, bool on);
 
     // Queues a report for the reader thread to write before its next read.
@@ -115,10 +115,11 @@ public:
     // first at the next open. Never call it from the reader thread.
     qint32 closeDevice();
 
-    // Decodes one read of `length` bytes (dialix::protocol::decode) and emits
-    // its events against the previous switch word, in their order. Only a read
-    // of exactly ReportSize bytes is decoded; anything else is ignored. The reader thread calls it
-    // for every read; while the panel is closed it may be called on any one thread.
+    // Decodes one read of `length` bytes against the previous switch word
+    // (dialix::protocol::decode) and emits its events in their order. Only a
+    // read of exactly ReportSize bytes is decoded; anything else is ignored.
+    // The reader thread calls it for every read; while the panel is closed it
+    // may be called on any one thread.
     void processReport(const unsigned char *data, int length);
 
     // Called after the signals of every decoded report, on the thread that
