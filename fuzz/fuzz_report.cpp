@@ -53,7 +53,7 @@ std::vector<Seen> listOf(const Events &events)
 void checkProperties(const unsigned char *report, quint32 previous, const Events &events,
                      size_t readNo)
 {
-    constexpr quint32 LineBits = (1u << (DotBit + 1)) - 1; // bits 22 and 23 have no line
+    constexpr quint32 Lines = (1u << (DotBit + 1)) - 1; // bits 22 and 23 have no line
     quint32 edges = 0;
     int lastBit = -1, lastDial = -1;
     int dials[DialCount] = {};
@@ -71,7 +71,7 @@ void checkProperties(const unsigned char *report, quint32 previous, const Events
         lastBit = e.index;
         edges |= 1u << e.index;
     }
-    check(edges == ((events.switches ^ previous) & LineBits), "edges of the changed bits", readNo);
+    check(edges == ((events.switches ^ previous) & Lines), "edges of the changed bits", readNo);
     const QByteArray again =
         VirtualPanel::makeReport(events.switches, dials[0], dials[1], dials[2], dials[3]);
     for (int i = 1; i < ReportSize; ++i) {

@@ -97,7 +97,7 @@ struct Events
 
     std::uint32_t switches = 0; // the report's switch word, to compare the next one with
     int count = 0;
-    std::array<Event, Capacity> list {};
+    std::array<Event, Capacity> list; // the first `count` are set
 
     const Event *begin() const { return list.data(); }
     const Event *end() const { return list.data() + count; }
@@ -111,16 +111,23 @@ constexpr std::uint32_t switchWord(const unsigned char *report)
     return word;
 }
 
+// The switch bits that carry a line (bits 22 and 23 do not).
+constexpr std::uint32_t LineBits = [] {
+    std::uint32_t bits = 0;
+    for (int bit = 0; bit < SwitchBits; ++bit)
+        bits |= lineOfBit(bit) == Line::None ? 0u : 1u << bit;
+    return bits;
+}();
+
 // Decodes one input report of ReportSize bytes against the previous switch word.
-constexpr Events decode(const unsigned char *report, std::uint32_t previous)
+inline Events decode(const unsigned char *report, std::uint32_t previous)
 {
     Events out;
     out.switches = switchWord(report);
-    const std::uint32_t changed = out.switches ^ previous;
-    for (int bit = 0; bit < SwitchBits; ++bit) {
-        const Line line = lineOfBit(bit);
-        if (line != Line::None && (changed >> bit & 1u))
-            out.list[out.count++] = {line, std::int8_t(bit),
+    const std::uint32_t changed = (out.switches ^ previous) & LineBits;
+    for (int bit = 0; changed >> bit; ++bit) {
+        if (changed >> bit & 1u)
+            out.list[out.count++] = {lineOfBit(bit), std::int8_t(bit),
                                      std::int16_t(out.switches >> bit & 1u)};
     }
     for (int dial = 0; dial < DialCount; ++dial) {
