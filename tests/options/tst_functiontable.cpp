@@ -1,10 +1,9 @@
-// Tests of the function tables: sub-menus, labels and slot names.
+// Tests of the function tables: sub-menus and labels.
 
 #include "plugins/panels/dialix/source/dialixtranslation.h"
 #include "plugins/panels/dialix/source/functiontable.h"
 
 #include <QCoreApplication>
-#include <QMetaObject>
 #include <QObject>
 #include <QSet>
 #include <QTest>
@@ -13,19 +12,6 @@
 using namespace dialix;
 
 Q_DECLARE_METATYPE(dialix::SubMenu)
-
-// A receiver that declares one slot per function the way the controller does.
-class SlotsFromTable : public QObject
-{
-    Q_OBJECT
-public slots:
-#define DECLARE_BUTTON_SLOT(id, ...)                                                               \
-    void DIALIX_FUNC_BUTTON_SLOT(id)() { }
-#define DECLARE_DIAL_SLOT(id, ...)                                                                 \
-    void DIALIX_FUNC_DIAL_SLOT(id)(int) { }
-    DIALIX_BUTTON_FUNCTIONS(DECLARE_BUTTON_SLOT)
-    DIALIX_DIAL_FUNCTIONS(DECLARE_DIAL_SLOT)
-};
 
 class TestFunctionTable : public QObject
 {
@@ -36,7 +22,6 @@ private slots:
     void everyKeyFunctionSitsInOneSubMenu();
     void labels_data();
     void labels();
-    void slotMacrosSurviveMoc();
     void everyLabelIsTranslatedToGerman();
     void cleanup();
 };
@@ -132,20 +117,6 @@ void TestFunctionTable::labels()
 
     QCOMPARE(dial ? dialFunctionText(id) : buttonFunctionText(id), full);
     QCOMPARE(dial ? dialFunctionShortText(id) : buttonFunctionShortText(id), brief);
-}
-
-void TestFunctionTable::slotMacrosSurviveMoc()
-{
-    SlotsFromTable receiver;
-    const QMetaObject *meta = receiver.metaObject();
-    for (const auto &f : buttonFunctions) {
-        const QByteArray signature = "setFuncButton" + QByteArray::number(f.id + 1) + "()";
-        QVERIFY2(meta->indexOfSlot(signature) >= 0, signature.constData());
-    }
-    for (const auto &f : dialFunctions) {
-        const QByteArray signature = "setFuncDial" + QByteArray::number(f.id) + "(int)";
-        QVERIFY2(meta->indexOfSlot(signature) >= 0, signature.constData());
-    }
 }
 
 void TestFunctionTable::everyLabelIsTranslatedToGerman()

@@ -104,18 +104,21 @@ QByteArray withoutSerialisedValues(const QString &path)
 #define DIALIX_BUTTON_HANDLER_ENTRY_(id, Name, ...) &DialixControl::button##Name,
 #define DIALIX_DIAL_HANDLER_ENTRY_(id, Name, ...) &DialixControl::dial##Name,
 const DialixControl::ButtonHandler DialixControl::buttonHandlers[dialix::ButtonFunctionCount] = {
-    DIALIX_BUTTON_FUNCTIONS(DIALIX_BUTTON_HANDLER_ENTRY_)};
+    &DialixControl::buttonUnused, DIALIX_BUTTON_FUNCTIONS(DIALIX_BUTTON_HANDLER_ENTRY_)};
 const DialixControl::DialHandler DialixControl::dialHandlers[dialix::DialFunctionCount] = {
-    DIALIX_DIAL_FUNCTIONS(DIALIX_DIAL_HANDLER_ENTRY_)};
+    &DialixControl::dialUnused, DIALIX_DIAL_FUNCTIONS(DIALIX_DIAL_HANDLER_ENTRY_)};
 
 // The direct slots run the same bodies as a key press or a dial movement.
-#define DIALIX_DEFINE_BUTTON_SLOT_(id, ...)                                                        \
-    DIALIX_UNLESS_ZERO(                                                                            \
-        id, void DialixControl::DIALIX_FUNC_BUTTON_SLOT(id)() { runButtonFunction(id); })
-#define DIALIX_DEFINE_DIAL_SLOT_(id, ...)                                                          \
-    DIALIX_UNLESS_ZERO(                                                                            \
-        id,                                                                                        \
-        void DialixControl::DIALIX_FUNC_DIAL_SLOT(id)(int value) { runDialFunction(id, value); })
+#define DIALIX_DEFINE_BUTTON_SLOT_(id, Name, slot, ...)                                            \
+    void DialixControl::slot()                                                                     \
+    {                                                                                              \
+        runButtonFunction(id);                                                                     \
+    }
+#define DIALIX_DEFINE_DIAL_SLOT_(id, Name, slot, ...)                                              \
+    void DialixControl::slot(int value)                                                            \
+    {                                                                                              \
+        runDialFunction(id, value);                                                                \
+    }
 DIALIX_BUTTON_FUNCTIONS(DIALIX_DEFINE_BUTTON_SLOT_)
 DIALIX_DIAL_FUNCTIONS(DIALIX_DEFINE_DIAL_SLOT_)
 

@@ -38,20 +38,8 @@ class qrvCommand;
                         "plugins/panels/dialix/source/dialixcontrol", __LINE__);                   \
     } while (false)
 
-// Expands its arguments unless `id` is the literal 0: the "Unused" rows of the
-// function tables get no slot.
-#define DIALIX_PROBE_0 ~, 1
-#define DIALIX_SECOND_(a, b, ...) b
-#define DIALIX_IS_PROBE_(...) DIALIX_SECOND_(__VA_ARGS__, 0, ~)
-#define DIALIX_IS_ZERO(id) DIALIX_IS_PROBE_(DIALIX_CAT(DIALIX_PROBE_, id))
-#define DIALIX_UNLESS_ZERO_0(...) __VA_ARGS__
-#define DIALIX_UNLESS_ZERO_1(...)
-#define DIALIX_UNLESS_ZERO(id, ...) DIALIX_CAT(DIALIX_UNLESS_ZERO_, DIALIX_IS_ZERO(id))(__VA_ARGS__)
-
-#define DIALIX_DECLARE_BUTTON_SLOT_(id, ...)                                                       \
-    DIALIX_UNLESS_ZERO(id, void DIALIX_FUNC_BUTTON_SLOT(id)();)
-#define DIALIX_DECLARE_DIAL_SLOT_(id, ...)                                                         \
-    DIALIX_UNLESS_ZERO(id, void DIALIX_FUNC_DIAL_SLOT(id)(int value);)
+#define DIALIX_DECLARE_BUTTON_SLOT_(id, Name, slot, ...) void slot();
+#define DIALIX_DECLARE_DIAL_SLOT_(id, Name, slot, ...) void slot(int value);
 #define DIALIX_DECLARE_BUTTON_HANDLER_(id, Name, ...) void button##Name();
 #define DIALIX_DECLARE_DIAL_HANDLER_(id, Name, ...) void dial##Name(int value);
 
@@ -195,9 +183,10 @@ private slots:
     void KeyDot(bool Status);
     void changedFunctionButton(QAction *action);
     void changedFunctionDial(QAction *action);
-    // setFuncButton2() .. setFuncButton61(): run key function id N - 1.
+    // The table's slot column: setFuncButton2() .. setFuncButton61() run key
+    // function ids 1 to 60, setFuncDial1(int) .. setFuncDial13(int) dial
+    // function ids 1 to 13 ("Unused" has no slot).
     DIALIX_BUTTON_FUNCTIONS(DIALIX_DECLARE_BUTTON_SLOT_)
-    // setFuncDial1(int) .. setFuncDial13(int): run dial function id N.
     DIALIX_DIAL_FUNCTIONS(DIALIX_DECLARE_DIAL_SLOT_)
     void switchReceivers(int index);
     void onSerialPortOpen(bool state);
@@ -223,6 +212,8 @@ private:
     static const DialHandler dialHandlers[dialix::DialFunctionCount];
 
     // One handler per table row: button<Name>() and dial<Name>(int).
+    void buttonUnused();
+    void dialUnused(int value);
     DIALIX_BUTTON_FUNCTIONS(DIALIX_DECLARE_BUTTON_HANDLER_)
     DIALIX_DIAL_FUNCTIONS(DIALIX_DECLARE_DIAL_HANDLER_)
 
