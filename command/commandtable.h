@@ -9,13 +9,16 @@
 // description arrays at the end of this file that tests, tools and log
 // printers read.
 //
-// Rows are in declaration order, which is not id order. Four kinds of row:
+// Rows are in declaration order, which is not id order. Five kinds of row:
 //
 //   C(id, slot, signal, n, (code, name, ...))  an encoder slot and the signal
 //                                               that a received message of the
 //                                               id emits, with one parameter list
 //   E(id, slot, n, (code, name, ...))          an encoder slot only
 //   S(id, signal, n, (code, name, ...))        a decoded signal only
+//   O(id, slot, signal, n, (...), name)        a C row whose slot and signal
+//                                               overload another id's; `name`
+//                                               names its id in qrv::Id
 //   F(id, slot, signal, value)                 an argument-less slot that sends
 //                                               the fixed flag `value`, and an
 //                                               argument-less signal emitted when
@@ -49,7 +52,7 @@
 #include <iterator>
 
 // clang-format off
-#define QRV_COMMANDS(C, E, S, F) \
+#define QRV_COMMANDS(C, E, S, F, O) \
     C(166, qrvStart,          sQrvStart,          2, (U, receiver, B, state)) \
     C(0,   open,              sOpen,              1, (B, state)) \
     F(0,   open,              sOpen,              true) \
@@ -103,9 +106,9 @@
     C(44,  rxANFGain,         sRxANFGain,         2, (U, channel, I, dB)) \
     C(45,  rxANFLeak,         sRxANFLeak,         2, (U, channel, I, dB)) \
     C(46,  rxNF,              sRxNF,              3, (U, channel, U, index, B, state)) \
-    C(47,  rxNF,              sRxNF,              4, (U, channel, U, index, D, freq, D, band)) \
+    O(47,  rxNF,              sRxNF,              4, (U, channel, U, index, D, freq, D, band), rxNFBand) \
     C(48,  rxEqualizer,       sRxEqualizer,       2, (U, channel, B, state)) \
-    C(49,  rxEqualizer,       sRxEqualizer,       2, (U, channel, IL, values)) \
+    O(49,  rxEqualizer,       sRxEqualizer,       2, (U, channel, IL, values), rxEqualizerValues) \
     C(50,  rxSql,             sRxSql,             3, (U, receiver, U, channel, B, state)) \
     C(51,  rxSqlValue,        sRxSqlLevel,        3, (U, receiver, U, channel, I, dB)) \
     C(52,  rxSplit,           sRxSplit,           2, (UU, tranceiver, B, state)) \
@@ -125,7 +128,7 @@
     C(66,  txMicAgcEnable,    sTxMicAgcEnable,    2, (U, transmitter, B, state)) \
     C(67,  txMode,            sTxMode,            2, (U, channel, U, index)) \
     C(68,  txMon,             sTxMon,             2, (U, channel, BI, state)) \
-    C(69,  txMon,             sTxMonValue,        2, (U, channel, I, dB)) \
+    O(69,  txMon,             sTxMonValue,        2, (U, channel, I, dB), txMonValue) \
     C(70,  txDrive,           sTxDrive,           2, (U, transmitter, U, value)) \
     C(71,  txToneDrive,       sTxToneDrive,       2, (U, transmitter, U, value)) \
     C(72,  txExtCtrl,         sTxExtCtrl,         1, (UU, value)) \
@@ -136,7 +139,7 @@
     S(75,                     sTxCompThr,         2, (U, channel, I, val)) \
     C(76,  txCompClip,        sTxCompClip,        2, (U, channel, I, dB)) \
     C(77,  txEqualizer,       sTxEqualizer,       2, (U, channel, B, state)) \
-    C(78,  txEqualizer,       sTxEqualizer,       2, (U, channel, IL, values)) \
+    O(78,  txEqualizer,       sTxEqualizer,       2, (U, channel, IL, values), txEqualizerValues) \
     C(79,  txPA,              sTxPA,              2, (U, transmitter, B, state)) \
     C(80,  txVox,             sTxVox,             2, (U, transmitter, B, state)) \
     C(81,  txBandFilter,      sTxBandFilter,      3, (U, tranceiver, I, low, I, high)) \
@@ -300,9 +303,11 @@
 // Declarations inside qrvCommand.
 #define QRV_PARAM_DECL(code, name, pos) QRV_TYPE_##code name
 #define QRV_DECLARE_C_SLOT(id, slot, signal, n, args) void slot(QRV_MAP(QRV_PARAM_DECL, n, args));
+#define QRV_DECLARE_O_SLOT(id, slot, signal, n, args, name) QRV_DECLARE_C_SLOT(id, slot, signal, n, args)
 #define QRV_DECLARE_E_SLOT(id, slot, n, args) void slot(QRV_MAP(QRV_PARAM_DECL, n, args));
 #define QRV_DECLARE_F_SLOT(id, slot, signal, value) void slot();
 #define QRV_DECLARE_C_SIGNAL(id, slot, signal, n, args) void signal(QRV_MAP(QRV_PARAM_DECL, n, args));
+#define QRV_DECLARE_O_SIGNAL(id, slot, signal, n, args, name) QRV_DECLARE_C_SIGNAL(id, slot, signal, n, args)
 #define QRV_DECLARE_S_SIGNAL(id, signal, n, args) void signal(QRV_MAP(QRV_PARAM_DECL, n, args));
 #define QRV_DECLARE_F_SIGNAL(id, slot, signal, value) void signal();
 // clang-format on
@@ -311,6 +316,22 @@ namespace qrv {
 
 // Number of command ids: 0 to commandCount - 1.
 constexpr int commandCount = 190;
+
+// Command ids by the encoder that sends them: Id::panelBandUp == 110. The second
+// id of an overloaded encoder goes by its O row's name (Id::rxNFBand == 47);
+// id 59, which has a decoded signal only, and the unused id 53 have no name.
+// clang-format off
+#define QRV_ID_C(id, slot, signal, n, args) slot = id,
+#define QRV_ID_E(id, slot, n, args) slot = id,
+#define QRV_ID_O(id, slot, signal, n, args, name) name = id,
+enum class Id : int {
+    QRV_COMMANDS(QRV_ID_C, QRV_ID_E, QRV_NOTHING, QRV_NOTHING, QRV_ID_O)
+};
+#undef QRV_ID_C
+#undef QRV_ID_E
+#undef QRV_ID_O
+// clang-format on
+
 constexpr int maxParams = 4;
 
 // When a decoded signal is emitted: always, or only when the message's flag
@@ -344,21 +365,23 @@ struct Method
 #define QRV_INFO_C_SLOT(id, slot, signal, n, args) \
     Method{id, #slot, n, {QRV_MAP(QRV_PARAM_INFO, n, args)}, n, {QRV_MAP(QRV_WIRE_INFO, n, args)}, Guard::Always},
 #define QRV_INFO_E_SLOT(id, slot, n, args) QRV_INFO_C_SLOT(id, slot, -, n, args)
+#define QRV_INFO_O_SLOT(id, slot, signal, n, args, name) QRV_INFO_C_SLOT(id, slot, signal, n, args)
 #define QRV_INFO_F_SLOT(id, slot, signal, value) \
     Method{id, #slot, 0, {}, 1, {QMetaType::Bool}, Guard::Always},
 #define QRV_INFO_C_SIGNAL(id, slot, signal, n, args) \
     Method{id, #signal, n, {QRV_MAP(QRV_PARAM_INFO, n, args)}, 0, {}, Guard::Always},
 #define QRV_INFO_S_SIGNAL(id, signal, n, args) QRV_INFO_C_SIGNAL(id, -, signal, n, args)
+#define QRV_INFO_O_SIGNAL(id, slot, signal, n, args, name) QRV_INFO_C_SIGNAL(id, slot, signal, n, args)
 #define QRV_INFO_F_SIGNAL(id, slot, signal, value) \
     Method{id, #signal, 0, {}, 0, {}, QRV_GUARD_##value},
 
 // Every encoder slot, in declaration order (setCommand is not among them).
 inline constexpr Method encoders[] = {
-    QRV_COMMANDS(QRV_INFO_C_SLOT, QRV_INFO_E_SLOT, QRV_NOTHING, QRV_INFO_F_SLOT)
+    QRV_COMMANDS(QRV_INFO_C_SLOT, QRV_INFO_E_SLOT, QRV_NOTHING, QRV_INFO_F_SLOT, QRV_INFO_O_SLOT)
 };
 // Every decoded signal, in declaration order (sCommand is not among them).
 inline constexpr Method decodedSignals[] = {
-    QRV_COMMANDS(QRV_INFO_C_SIGNAL, QRV_NOTHING, QRV_INFO_S_SIGNAL, QRV_INFO_F_SIGNAL)
+    QRV_COMMANDS(QRV_INFO_C_SIGNAL, QRV_NOTHING, QRV_INFO_S_SIGNAL, QRV_INFO_F_SIGNAL, QRV_INFO_O_SIGNAL)
 };
 // clang-format on
 

@@ -224,6 +224,7 @@ void qrvCommand::send(Elements &&...elements)
         send(QVariant(int(id)) QRV_CALL(QRV_COMMA_IF_##n, ()) QRV_MAP(QRV_ENCODE, n, args)); \
     }
 #define QRV_DEFINE_E_ENCODER(id, slot, n, args) QRV_DEFINE_C_ENCODER(id, slot, -, n, args)
+#define QRV_DEFINE_O_ENCODER(id, slot, signal, n, args, name) QRV_DEFINE_C_ENCODER(id, slot, signal, n, args)
 #define QRV_DEFINE_F_ENCODER(id, slot, signal, value) \
     void qrvCommand::slot() { send(QVariant(int(id)), QVariant(value)); }
 #define QRV_COMMA_IF_0()
@@ -232,7 +233,7 @@ void qrvCommand::send(Elements &&...elements)
 #define QRV_COMMA_IF_3() ,
 #define QRV_COMMA_IF_4() ,
 
-QRV_COMMANDS(QRV_DEFINE_C_ENCODER, QRV_DEFINE_E_ENCODER, QRV_NOTHING, QRV_DEFINE_F_ENCODER)
+QRV_COMMANDS(QRV_DEFINE_C_ENCODER, QRV_DEFINE_E_ENCODER, QRV_NOTHING, QRV_DEFINE_F_ENCODER, QRV_DEFINE_O_ENCODER)
 // clang-format on
 
 // ---------------------------------------------------------------------------
@@ -260,7 +261,8 @@ struct QrvDispatch
 
 // A received CW-key announcement is passed on first and then remembered.
 template<>
-void QrvDispatch::after<184>(qrvCommand &codec, const QVariantList &message)
+void QrvDispatch::after<int(qrv::Id::setCWKeyObject)>(qrvCommand &codec,
+                                                      const QVariantList &message)
 {
     CwKeyControlAbstract *p = CodecK::decode(element(message, 1));
     if (p != codec.cwKeyObject)
@@ -275,11 +277,12 @@ void QrvDispatch::after<184>(qrvCommand &codec, const QVariantList &message)
         QrvDispatch::after<id>(c, m); \
     },
 #define QRV_DEFINE_S_DECODER(id, signal, n, args) QRV_DEFINE_C_DECODER(id, -, signal, n, args)
+#define QRV_DEFINE_O_DECODER(id, slot, signal, n, args, name) QRV_DEFINE_C_DECODER(id, slot, signal, n, args)
 #define QRV_DEFINE_F_DECODER(id, slot, signal, value) \
     [](qrvCommand &c, const QVariantList &) { emit c.signal(); },
 
 const QrvDispatch::Decoder QrvDispatch::decoders[qrv::signalCount] = {
-    QRV_COMMANDS(QRV_DEFINE_C_DECODER, QRV_NOTHING, QRV_DEFINE_S_DECODER, QRV_DEFINE_F_DECODER)
+    QRV_COMMANDS(QRV_DEFINE_C_DECODER, QRV_NOTHING, QRV_DEFINE_S_DECODER, QRV_DEFINE_F_DECODER, QRV_DEFINE_O_DECODER)
 };
 // clang-format on
 

@@ -37,10 +37,12 @@ public:
 
 signals:
     void sCommand(QVariant cmd);
-    QRV_COMMANDS(QRV_DECLARE_C_SIGNAL, QRV_NOTHING, QRV_DECLARE_S_SIGNAL, QRV_DECLARE_F_SIGNAL)
+    QRV_COMMANDS(QRV_DECLARE_C_SIGNAL, QRV_NOTHING, QRV_DECLARE_S_SIGNAL, QRV_DECLARE_F_SIGNAL,
+                 QRV_DECLARE_O_SIGNAL)
 
 public slots:
-    QRV_COMMANDS(QRV_DECLARE_C_SLOT, QRV_DECLARE_E_SLOT, QRV_NOTHING, QRV_DECLARE_F_SLOT)
+    QRV_COMMANDS(QRV_DECLARE_C_SLOT, QRV_DECLARE_E_SLOT, QRV_NOTHING, QRV_DECLARE_F_SLOT,
+                 QRV_DECLARE_O_SLOT)
 
     // Decodes one message and emits its signal. Anything that is not a
     // message of a known id is dropped without a trace. (Taken by reference:

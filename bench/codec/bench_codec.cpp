@@ -77,11 +77,12 @@ QList<void *> arg<QList<void *>>(int)
 #define BENCH_CALL_C(id, slot, signal, n, args) codec.slot(QRV_MAP(BENCH_ARG, n, args));
 #define BENCH_CALL_E(id, slot, n, args) BENCH_CALL_C(id, slot, -, n, args)
 #define BENCH_CALL_F(id, slot, signal, value) codec.slot();
+#define BENCH_CALL_O(id, slot, signal, n, args, name) BENCH_CALL_C(id, slot, signal, n, args)
 // clang-format on
 
 // One call of every encoder (193 messages).
 void encodeAll(qrvCommand &codec) {
-    QRV_COMMANDS(BENCH_CALL_C, BENCH_CALL_E, QRV_NOTHING, BENCH_CALL_F)}
+    QRV_COMMANDS(BENCH_CALL_C, BENCH_CALL_E, QRV_NOTHING, BENCH_CALL_F, BENCH_CALL_O)}
 
 qint64 floorConvert(const QVariant &e)
 {

@@ -61,7 +61,7 @@ int main(int argc, char **argv)
     QObject::connect(ctrl.command(), &qrvCommand::sCommand, &ctrl, [&](const QVariant &m) {
         ++messages;
         const QVariantList list = m.toList();
-        if (list.value(0).toInt() == 143) {
+        if (list.value(0).toInt() == int(qrv::Id::panelVFO)) {
             ++vfoMessages;
             vfoSteps += list.value(3).toInt();
         }

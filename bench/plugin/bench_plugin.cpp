@@ -25,6 +25,7 @@
 // BENCH_SCALE (default 1) scales the measuring times; BENCH_PHASES picks phases.
 
 #include "bench/measure.h"
+#include "command/commandtable.h"
 #include "interfaces/dialixabstract.h"
 #include "tools/virtualpanel/virtualpanel.h"
 
@@ -64,12 +65,14 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 // Command ids that the configured panel functions send.
-constexpr int CmdKey[4] = {110, 111, 112, 113}; // the keys of panels 1..4 (Band/Mode Up/Down)
+// The keys of panels 1..4 (Band/Mode Up/Down).
+constexpr int CmdKey[4] = {int(qrv::Id::panelBandUp), int(qrv::Id::panelBandDown),
+                           int(qrv::Id::panelModeUp), int(qrv::Id::panelModeDown)};
 constexpr int CmdBandUp = CmdKey[0];
-constexpr int CmdMicGain = 127; // dial 1
-constexpr int CmdSql = 129; // dial 2
-constexpr int CmdFilterLow = 130; // dial 3
-constexpr int CmdVfo = 143; // dial 0, coalesced
+constexpr int CmdMicGain = int(qrv::Id::panelMicGain); // dial 1
+constexpr int CmdSql = int(qrv::Id::panelSql); // dial 2
+constexpr int CmdFilterLow = int(qrv::Id::panelFilterLow); // dial 3
+constexpr int CmdVfo = int(qrv::Id::panelVFO); // dial 0, coalesced
 constexpr int FilterLowStep = 10;
 constexpr int MaxPanels = 4;
 // The floor's panel: a product id that the plug-in does not look for.

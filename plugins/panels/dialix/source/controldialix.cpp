@@ -25,28 +25,6 @@
 
 namespace {
 
-constexpr bool sameName(const char *a, const char *b)
-{
-    while (*a && *a == *b) {
-        ++a;
-        ++b;
-    }
-    return *a == *b;
-}
-
-// The id of a decoded signal, looked up in the command table.
-constexpr int commandIdOf(const char *signal)
-{
-    for (const qrv::Method &m : qrv::decodedSignals) {
-        if (sameName(m.name, signal))
-            return m.id;
-    }
-    return -1;
-}
-
-constexpr int CwKeyObjectId = commandIdOf("sCWKeyObject");
-static_assert(CwKeyObjectId >= 0, "the command table lacks the CW-key announcement");
-
 // The subsystem whose device changes make the root count its panels again.
 // DIALIX_HOTPLUG_SUBSYSTEM replaces it, so that a test can drive the real
 // monitor with a device it can create (a tun interface is "net").
@@ -66,8 +44,8 @@ bool enabled(const DialixControl &controller)
 // The codecs learn the CW-key object from the same announcement the host sends.
 void giveCwKey(DialixControl &controller, CwKeyControlAbstract *key)
 {
-    controller.command()->setCommand(
-        QVariantList {CwKeyObjectId, QVariant::fromValue(qulonglong(quintptr(key)))});
+    controller.command()->setCommand(QVariantList {int(qrv::Id::setCWKeyObject),
+                                                   QVariant::fromValue(qulonglong(quintptr(key)))});
 }
 
 } // namespace
