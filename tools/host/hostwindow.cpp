@@ -2,6 +2,7 @@
 
 #include "hostwindow.h"
 
+#include "command/qrvcommand.h"
 #include "pluginhost.h"
 #include "ui_hostwindow.h"
 
@@ -40,7 +41,8 @@ HostWindow::HostWindow(PluginHost *host, bool virtualPanels, QWidget *parent)
     });
     connect(ui->pbPlug, &QPushButton::clicked, this, &HostWindow::plugRequested);
     connect(ui->pbUnplug, &QPushButton::clicked, this, &HostWindow::unplugRequested);
-    connect(ui->pbDeviceChanged, &QPushButton::clicked, this, [host] { host->send({109}); });
+    connect(ui->pbDeviceChanged, &QPushButton::clicked, this,
+            [host] { host->commands()->deviceChanged(); });
     refreshRadio();
 }
 

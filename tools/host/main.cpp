@@ -17,6 +17,7 @@
 // settings and screenshots in the user's folders (~/.config/dialix-host,
 // ~/Pictures/dialix-host).
 
+#include "command/qrvcommand.h"
 #include "hostwindow.h"
 #include "pluginhost.h"
 #include "session.h"
@@ -239,7 +240,7 @@ int main(int argc, char *argv[])
     QObject::connect(&window, &HostWindow::plugRequested, &app, [&] {
         VirtualPanel::plug(QStringLiteral("DLX%1").arg(VirtualPanel::panels().size() + 1, 4, 10,
                                                        QLatin1Char('0')));
-        host.send({109});
+        host.commands()->deviceChanged();
         showPanels();
     });
     QObject::connect(&window, &HostWindow::unplugRequested, &app, [&] {
@@ -247,7 +248,7 @@ int main(int argc, char *argv[])
         if (plugged.isEmpty())
             return;
         VirtualPanel::unplug(plugged.last());
-        host.send({109});
+        host.commands()->deviceChanged();
         showPanels();
     });
 

@@ -15,9 +15,14 @@ PluginHost::PluginHost(quint32 receivers, QObject *parent)
     , model(receivers)
     , key(&model)
     , decoder(std::make_shared<qrvCommand>())
+    , encoder(std::make_shared<qrvCommand>())
 {
     model.setCwKeyControl(&key);
     connectDecoder();
+    connect(encoder.get(), &qrvCommand::sCommand, this, [this](const QVariant &message) {
+        if (instance)
+            instance->setCommand(message);
+    });
 }
 
 PluginHost::~PluginHost()
@@ -73,8 +78,7 @@ void PluginHost::bind(QLayout *layout, QSettings *s, uint channels)
     if (settings)
         instance->readSettings(settings);
     instance->setChannels(channels);
-    send({184,
-          QVariant::fromValue(qulonglong(quintptr(static_cast<CwKeyControlAbstract *>(&key))))});
+    encoder->setCWKeyObject(&key);
 }
 
 void PluginHost::shutDown()
@@ -86,12 +90,6 @@ void PluginHost::shutDown()
         instance->saveSettings(settings);
         settings->sync();
     }
-}
-
-void PluginHost::send(const QVariantList &message)
-{
-    if (instance)
-        instance->setCommand(message);
 }
 
 void PluginHost::connectDecoder()

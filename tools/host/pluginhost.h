@@ -48,8 +48,8 @@ public:
     DialixAbstract *plugin() const { return instance; }
     RadioModel *radio() { return &model; }
     HostCwKey *cwKey() { return &key; }
-    // Sends a command message to the plug-in.
-    void send(const QVariantList &message);
+    // The host's encoder: every message it sends goes to the plug-in.
+    qrvCommand *commands() const { return encoder.get(); }
 
 signals:
     // Every message the plug-in sent, with its readable form.
@@ -61,6 +61,7 @@ private:
     RadioModel model;
     HostCwKey key;
     std::shared_ptr<qrvCommand> decoder;
+    std::shared_ptr<qrvCommand> encoder;
     std::unique_ptr<QPluginLoader> loader;
     QPointer<DialixAbstract> instance;
     QSettings *settings = nullptr;

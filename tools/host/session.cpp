@@ -2,6 +2,7 @@
 
 #include "session.h"
 
+#include "command/qrvcommand.h"
 #include "pluginhost.h"
 #include "tools/virtualpanel/virtualpanel.h"
 #include "virtualpanelwindow.h"
@@ -102,7 +103,7 @@ Session::Session(PluginHost *pluginHost, QWidget *window, int firstPanel,
     add(100, tr("press key 3 (MOX off)"), [this, p] { key(p, 3); });
     add(300, tr("plug a second panel"), [this] {
         second = VirtualPanel::plug(QStringLiteral("DLX0002"));
-        host->send({109});
+        host->commands()->deviceChanged();
         emit panelsChanged();
     });
     // Both controllers would open the first panel listed (the plug-in opens the
@@ -121,7 +122,7 @@ Session::Session(PluginHost *pluginHost, QWidget *window, int firstPanel,
     });
     add(100, tr("unplug the second panel"), [this] {
         VirtualPanel::unplug(second);
-        host->send({109});
+        host->commands()->deviceChanged();
         emit panelsChanged();
     });
     add(500, tr("done"), [] {});
