@@ -2,7 +2,8 @@
 
 #include "keys/senderkeytosystem_linux.h"
 
-#include <QDebug>
+#include "interfaces/dialixlogging.h"
+
 #include <QFile>
 
 #include <libevdev/libevdev-uinput.h>
@@ -64,7 +65,7 @@ bool SenderKeyToSystemLinux::createKeyboard()
     const QByteArray path = QFile::encodeName(m_uinputPath);
     const int fd = ::open(path.constData(), O_RDWR | O_CLOEXEC);
     if (fd < 0) {
-        qDebug("%s cannot open %s: %s", Q_FUNC_INFO, path.constData(), strerror(errno));
+        qCDebug(dialixLog, "%s cannot open %s: %s", Q_FUNC_INFO, path.constData(), strerror(errno));
         return false;
     }
 
@@ -77,8 +78,8 @@ bool SenderKeyToSystemLinux::createKeyboard()
     const int rc = libevdev_uinput_create_from_device(device, fd, &m_keyboard);
     libevdev_free(device);
     if (rc < 0) {
-        qDebug("%s cannot create a virtual keyboard on %s: %s", Q_FUNC_INFO, path.constData(),
-               strerror(-rc));
+        qCDebug(dialixLog, "%s cannot create a virtual keyboard on %s: %s", Q_FUNC_INFO,
+                path.constData(), strerror(-rc));
         m_keyboard = nullptr;
         ::close(fd);
         return false;

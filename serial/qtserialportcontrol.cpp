@@ -2,7 +2,8 @@
 
 #include "serial/qtserialportcontrol.h"
 
-#include <QDebug>
+#include "interfaces/dialixlogging.h"
+
 #include <QMutexLocker>
 #include <QSerialPortInfo>
 #include <QTimerEvent>
@@ -203,9 +204,10 @@ qint64 QtSerialPortControl::write(QByteArray array)
     QMutexLocker locker(&m_mutex);
     const qint64 written = m_port.write(array);
     if (written != array.size())
-        qDebug("%s failed to write data, %s", Q_FUNC_INFO, qUtf8Printable(m_port.errorString()));
+        qCDebug(dialixLog, "%s failed to write data, %s", Q_FUNC_INFO,
+                qUtf8Printable(m_port.errorString()));
     if (!m_port.flush())
-        qDebug("%s failed to flush", Q_FUNC_INFO);
+        qCDebug(dialixLog, "%s failed to flush", Q_FUNC_INFO);
     return written;
 }
 

@@ -16,9 +16,9 @@ namespace {
 
 QStringList s_debug;
 
-void collectDebug(QtMsgType type, const QMessageLogContext &, const QString &text)
+void collectDebug(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
-    if (type == QtDebugMsg)
+    if (type == QtDebugMsg && qstrcmp(context.category, "dialix") == 0)
         s_debug.append(text);
 }
 

@@ -6,13 +6,13 @@
 #include "command/qrvcommand.h"
 #include "interfaces/cwkeycontrolabstract.h"
 #include "interfaces/devicemanagerabstract.h"
+#include "interfaces/dialixlogging.h"
 #include "plugins/panels/dialix/source/devicewatcher.h"
 #include "plugins/panels/dialix/source/dialixcontrol.h"
 #include "plugins/panels/dialix/source/dialixoptions.h"
 #include "plugins/panels/dialix/source/dialixtranslation.h"
 
 #include <QCoreApplication>
-#include <QDebug>
 #include <QLayout>
 #include <QPointer>
 #include <QSettings>
@@ -149,7 +149,7 @@ void ControlDialix::readSettings(QSettings *s)
         try {
             self->updateDevices();
         } catch (const std::system_error &e) {
-            qDebug() << Q_FUNC_INFO << e.what();
+            qCDebug(dialixLog) << Q_FUNC_INFO << e.what();
         }
     });
 }

@@ -5,6 +5,7 @@
 #include "command/qrvcommand.h"
 #include "interfaces/cwkeycontrolabstract.h"
 #include "interfaces/devicemanagerabstract.h"
+#include "interfaces/dialixlogging.h"
 #include "plugins/panels/dialix/source/dialixoptions.h"
 #include "serial/serialportabstract.h"
 
@@ -13,7 +14,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
-#include <QDebug>
 #include <QDial>
 #include <QFile>
 #include <QMenu>
@@ -69,7 +69,7 @@ void loadGuarded(QSettings &settings, const char *where, Load load)
     try {
         load();
     } catch (const std::exception &e) {
-        qDebug() << where << e.what();
+        qCDebug(dialixLog) << where << e.what();
         for (int depth = 0; depth < 8 && settings.group() != group; ++depth)
             settings.endGroup();
     }
