@@ -29,19 +29,14 @@ private slots:
         vp::reset();
     }
 
-    void openNeedsAListedPanel();
-    void opensTheFirstListedPanel();
-    void findDevicesLeavesAnOpenHandleAlone();
+    void opensTheFirstListedPanelOnce();
     void deliversOnTheOwnersThread();
-    void keysHeldAtFirstOpenArePressed();
     void reopenComparesWithLastWordSeen();
     void ledsOnlyWhileOpen();
     void queuedReportsGoOutBeforeTheNextRead();
     void closeTurnsTheLedsOffInOrder();
     void readErrorsAreIgnoredWithoutSpinning();
     void failedWriteIsDropped();
-    void unpluggedPanelStillCloses();
-    void destructorClosesAnOpenPanel();
 
 private:
     static bool openFirst(Dialix &device)
@@ -51,64 +46,40 @@ private:
     }
 };
 
-void TestDialixDevice::openNeedsAListedPanel()
+void TestDialixDevice::opensTheFirstListedPanelOnce()
 {
     Dialix device;
     // Nothing listed yet: not even a plugged panel is opened without findDevices().
-    const int panel = vp::plug("A");
+    const int a = vp::plug("A");
+    const int b = vp::plug("B");
     QVERIFY(!device.openDevice());
 
     vp::setEnumerateFails(true);
     device.findDevices();
-    QVERIFY(device.devices().isEmpty());
-    QVERIFY(!device.enumeration());
+    QVERIFY(device.devices().isEmpty() && !device.enumeration());
     QVERIFY(!device.openDevice());
     vp::setEnumerateFails(false);
 
-    vp::setOpenFails(panel, true);
+    vp::setOpenFails(a, true);
     QVERIFY(!openFirst(device));
-    QVERIFY(!device.isOpen());
-    QCOMPARE(vp::openHandles(panel), 0);
     QCOMPARE(device.closeDevice(), Dialix::NotOpen);
+    vp::setOpenFails(a, false);
 
-    vp::setOpenFails(panel, false);
     QVERIFY(openFirst(device));
-    QVERIFY(!device.openDevice()); // already open: no second handle
-    QCOMPARE(vp::openHandles(panel), 1);
-    QCOMPARE(device.closeDevice(), Dialix::Closed);
-}
-
-void TestDialixDevice::opensTheFirstListedPanel()
-{
-    const int a = vp::plug("A");
-    const int b = vp::plug("B");
-    Dialix device;
-    device.findDevices();
     QCOMPARE(device.devices().size(), 2);
-    QCOMPARE(QString::fromWCharArray(device.devices().at(1)->serial_number), QStringLiteral("B"));
-    QCOMPARE(device.enumeration(), device.devices().first());
-
-    QVERIFY(device.openDevice());
+    QVERIFY(!device.openDevice()); // already open: no second handle
     QCOMPARE(vp::openHandles(a), 1);
     QCOMPARE(vp::openHandles(b), 0);
-    QCOMPARE(device.closeDevice(), Dialix::Closed);
-}
 
-void TestDialixDevice::findDevicesLeavesAnOpenHandleAlone()
-{
-    const int a = vp::plug("A");
-    Dialix device;
-    PanelRecorder recorder(&device);
-    QVERIFY(openFirst(device));
-
+    // A new list leaves the open handle alone, also when its panel has gone;
+    // the class does not notice that by itself, and still closes it.
     vp::unplug(a);
-    vp::plug("B");
     device.findDevices();
     QCOMPARE(device.devices().size(), 1);
+    QTest::qWait(20); // the reader now fails every read
     QVERIFY(device.isOpen());
     QCOMPARE(vp::openHandles(), 1);
     QCOMPARE(device.closeDevice(), Dialix::Closed);
-    QCOMPARE(vp::openHandles(), 0);
 }
 
 void TestDialixDevice::deliversOnTheOwnersThread()
@@ -134,29 +105,19 @@ void TestDialixDevice::deliversOnTheOwnersThread()
         "button(3,0)",      "dialButton(17,0)", "ptt(0)"};
     QTRY_COMPARE_WITH_TIMEOUT(recorder.log, expected, Timeout);
     QVERIFY(!recorder.wrongThread);
-    QCOMPARE(device.closeDevice(), Dialix::Closed);
-}
-
-void TestDialixDevice::keysHeldAtFirstOpenArePressed()
-{
-    const int panel = vp::plug("A");
-    vp::setSwitches(panel, (1u << 5) | (1u << 20));
-    Dialix device;
-    PanelRecorder recorder(&device);
-    QVERIFY(openFirst(device));
-    QTRY_COMPARE_WITH_TIMEOUT(recorder.log, (QStringList {"button(5,1)", "dash(1)"}), Timeout);
-    QCOMPARE(device.closeDevice(), Dialix::Closed);
+    // Left open: the destructor closes it (cleanup() checks).
 }
 
 void TestDialixDevice::reopenComparesWithLastWordSeen()
 {
+    // Held before the first open: compared with 0, so reported as pressed.
     const int panel = vp::plug("A");
+    vp::setSwitches(panel, (1u << 4) | (1u << 6) | (1u << 20));
     Dialix device;
     PanelRecorder recorder(&device);
     QVERIFY(openFirst(device));
-    vp::pressKey(panel, 4);
-    vp::pressKey(panel, 6);
-    QTRY_COMPARE_WITH_TIMEOUT(recorder.log.size(), 2, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.log, (QStringList {"button(4,1)", "button(6,1)", "dash(1)"}),
+                              Timeout);
     QCOMPARE(device.closeDevice(), Dialix::Closed);
     recorder.log.clear();
 
@@ -165,14 +126,6 @@ void TestDialixDevice::reopenComparesWithLastWordSeen()
     vp::pressKey(panel, 5);
     QVERIFY(openFirst(device));
     QTRY_COMPARE_WITH_TIMEOUT(recorder.log, (QStringList {"button(4,0)", "button(5,1)"}), Timeout);
-
-    // A report repeating the last word after another reopen reports nothing.
-    QCOMPARE(device.closeDevice(), Dialix::Closed);
-    recorder.log.clear();
-    vp::queueReport(panel, vp::makeReport(vp::switches(panel)));
-    vp::turnDial(panel, 1, 1); // marks the end of the input
-    QVERIFY(openFirst(device));
-    QTRY_COMPARE_WITH_TIMEOUT(recorder.log, QStringList {"dial(1,1)"}, Timeout);
     QCOMPARE(device.closeDevice(), Dialix::Closed);
 }
 
@@ -254,20 +207,11 @@ void TestDialixDevice::closeTurnsTheLedsOffInOrder()
         vp::clearWrites(panel);
 
         QCOMPARE(device.closeDevice(), Dialix::Closed);
-        QVERIFY(!device.isOpen());
-        QCOMPARE(device.ledMask(), quint8(0));
-        QCOMPARE(vp::openHandles(panel), 0);
         const QList<quint8> masks = vp::ledMasks(panel);
         QCOMPARE(masks, expected.mid(0, masks.size()));
         complete = masks.size() == expected.size();
     }
     QVERIFY(complete);
-
-    Dialix device;
-    vp::clearWrites(panel);
-    QCOMPARE(device.closeDevice(), Dialix::NotOpen);
-    QTest::qWait(20);
-    QCOMPARE(vp::writeCount(panel), 0);
 }
 
 void TestDialixDevice::readErrorsAreIgnoredWithoutSpinning()
@@ -326,35 +270,6 @@ void TestDialixDevice::failedWriteIsDropped()
     QVERIFY(vp::waitForWrites(panel, 1, Timeout));
     QCOMPARE(vp::ledMask(panel), 0x09);
     QCOMPARE(device.closeDevice(), Dialix::Closed);
-}
-
-void TestDialixDevice::unpluggedPanelStillCloses()
-{
-    const int panel = vp::plug("A");
-    Dialix device;
-    QVERIFY(openFirst(device));
-    device.setLed(protocol::LedKeys, true);
-    QVERIFY(vp::waitForWrites(panel, 1, Timeout));
-
-    vp::unplug(panel);
-    QTest::qWait(20); // the reader now fails every read
-    QVERIFY(device.isOpen()); // the class does not notice the unplug by itself
-    QCOMPARE(vp::openHandles(), 1);
-    QCOMPARE(device.closeDevice(), Dialix::Closed);
-    QCOMPARE(vp::openHandles(), 0);
-}
-
-void TestDialixDevice::destructorClosesAnOpenPanel()
-{
-    const int panel = vp::plug("A");
-    {
-        Dialix device;
-        QVERIFY(openFirst(device));
-        device.setLed(protocol::LedReceiver2, true);
-        QVERIFY(vp::waitForWrites(panel, 1, Timeout));
-    }
-    QCOMPARE(vp::openHandles(panel), 0);
-    QVERIFY(vp::ledMasks(panel).size() <= 6); // 0x02, then the LED-off reports
 }
 
 QTEST_GUILESS_MAIN(TestDialixDevice)
