@@ -47,13 +47,7 @@ void TestVirtualPanel::enumeratesInPlugOrder()
              (QStringList {"A/Dialix/0/" + QString::fromLatin1(vp::path(a)),
                            "B/Dialix II/1/" + QString::fromLatin1(vp::path(b))}));
 
-    list = hid_enumerate(0, 0);
-    int all = 0;
-    for (hid_device_info *i = list; i; i = i->next)
-        ++all;
-    hid_free_enumeration(list);
-    QCOMPARE(all, 3);
-    QCOMPARE(vp::enumerations(), 2);
+    QCOMPARE(vp::enumerations(), 1);
 }
 
 void TestVirtualPanel::readsLikeHidraw()

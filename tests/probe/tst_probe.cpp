@@ -137,7 +137,6 @@ void TestProbe::exitCodes_data()
     QTest::newRow("events, denied") << "plug A; deny 1" << QStringList{"-e"} << denied << fix;
     QTest::newRow("events, read fails") << "plug A; readerror 1" << QStringList{"-e"} << device
         << "The panel stopped answering (hid_read_timeout: read error); it was probably unplugged.";
-    QTest::newRow("leds, denied") << "plug A; deny 1" << QStringList{"--leds", "-i", "0"} << denied << fix;
     QTest::newRow("leds, writes fail") << "plug A; writesfail 1" << QStringList{"--leds", "-i", "0"}
         << device << "Writing the LED report failed: hid_write: write failed";
     QTest::newRow("unknown option") << "plug A" << QStringList{"--bogus"} << usage << "Try --help.";
