@@ -20,21 +20,12 @@ public:
     explicit PanelRecorder(Dialix *device, QObject *parent = nullptr)
         : QObject(parent)
     {
-        connect(device, &Dialix::button, this, [this](Dialix::Buttons b, bool s) {
-            add(QStringLiteral("button(%1,%2)").arg(b).arg(s));
-        });
-        connect(device, &Dialix::dialButton, this, [this](Dialix::DialButtons b, bool s) {
-            add(QStringLiteral("dialButton(%1,%2)").arg(b).arg(s));
-        });
-        connect(device, &Dialix::dial, this, [this](Dialix::Dials d, int v) {
-            add(QStringLiteral("dial(%1,%2)").arg(d).arg(v));
-        });
-        connect(device, &Dialix::ptt, this,
-                [this](bool s) { add(QStringLiteral("ptt(%1)").arg(s)); });
-        connect(device, &Dialix::dash, this,
-                [this](bool s) { add(QStringLiteral("dash(%1)").arg(s)); });
-        connect(device, &Dialix::dot, this,
-                [this](bool s) { add(QStringLiteral("dot(%1)").arg(s)); });
+        connect(device, &Dialix::button, this, &PanelRecorder::onButton);
+        connect(device, &Dialix::dialButton, this, &PanelRecorder::onDialButton);
+        connect(device, &Dialix::dial, this, &PanelRecorder::onDial);
+        connect(device, &Dialix::ptt, this, [this](bool s) { add("ptt", s); });
+        connect(device, &Dialix::dash, this, [this](bool s) { add("dash", s); });
+        connect(device, &Dialix::dot, this, [this](bool s) { add("dot", s); });
     }
 
     static void registerTypes()
@@ -47,7 +38,16 @@ public:
     QStringList log;
     bool wrongThread = false;
 
+private slots:
+    void onButton(Dialix::Buttons b, bool s) { add(QStringLiteral("button(%1,%2)").arg(b).arg(s)); }
+    void onDialButton(Dialix::DialButtons b, bool s)
+    {
+        add(QStringLiteral("dialButton(%1,%2)").arg(b).arg(s));
+    }
+    void onDial(Dialix::Dials d, int v) { add(QStringLiteral("dial(%1,%2)").arg(d).arg(v)); }
+
 private:
+    void add(const char *name, bool s) { add(QStringLiteral("%1(%2)").arg(name).arg(s)); }
     void add(const QString &line)
     {
         if (QThread::currentThread() != thread())

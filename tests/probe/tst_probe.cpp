@@ -107,8 +107,8 @@ private slots:
     void reportDescriptors_data();
     void reportDescriptors();
     void everyExitCodeIsDocumented();
-    void virtualExecutable();
-    void realBuildReportsAbsentPanel();
+    void programs_data();
+    void programs();
 };
 
 void TestProbe::exitCodes_data()
@@ -362,35 +362,41 @@ void TestProbe::everyExitCodeIsDocumented()
     }
 }
 
-void TestProbe::virtualExecutable()
+void TestProbe::programs_data()
 {
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QString>("scenario");
+    QTest::addColumn<int>("code"); // as documented
+    QTest::addColumn<QString>("errStart");
     // The virtual build as a program: its main(), its scenario and its exit code.
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("DIALIX_PROBE_SCENARIO"), QStringLiteral("plug A; deny 1"));
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(PROBE_VIRTUAL), QStringList());
-    QVERIFY2(process.waitForFinished(30000), qPrintable(process.errorString()));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 2); // NoPermission, as documented
-    QVERIFY(process.readAllStandardError().startsWith(
-        "No permission to open virtualpanel:1 (panel A)."));
+    QTest::newRow("virtual") << PROBE_VIRTUAL << "plug A; deny 1" << 2
+                             << "No permission to open virtualpanel:1 (panel A).";
+    // The installed build, against the system's hidapi.
+    QTest::newRow("real") << PROBE_REAL << "" << 1 << "No Dialix panel found";
 }
 
-void TestProbe::realBuildReportsAbsentPanel()
+void TestProbe::programs()
 {
-    // The installed build, against the system's hidapi.
+    QFETCH(QString, program);
+    QFETCH(QString, scenario);
+    QFETCH(int, code);
+    QFETCH(QString, errStart);
     const QDir hidraw(QStringLiteral("/sys/class/hidraw"));
     for (const QString &node : hidraw.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        if (readFile(hidraw.filePath(node + QStringLiteral("/device/uevent")))
-                .contains(QStringLiteral("HID_ID=0003:00001FC9:00000003")))
+        if (program == PROBE_REAL
+            && readFile(hidraw.filePath(node + QStringLiteral("/device/uevent")))
+                   .contains(QStringLiteral("HID_ID=0003:00001FC9:00000003")))
             QSKIP("a Dialix panel is plugged into this machine");
     }
     QProcess process;
-    process.start(QStringLiteral(PROBE_REAL), QStringList());
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("DIALIX_PROBE_SCENARIO"), scenario);
+    process.setProcessEnvironment(env);
+    process.start(program, QStringList());
     QVERIFY2(process.waitForFinished(30000), qPrintable(process.errorString()));
-    QCOMPARE(process.exitCode(), int(probe::ExitCode::NoPanel));
-    QVERIFY(process.readAllStandardError().startsWith("No Dialix panel found"));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), code);
+    QVERIFY(QString::fromLocal8Bit(process.readAllStandardError()).startsWith(errStart));
 }
 
 QTEST_GUILESS_MAIN(TestProbe)
