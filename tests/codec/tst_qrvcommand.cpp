@@ -203,7 +203,7 @@ void tst_QrvCommand::decode_data()
     QTest::newRow("start 1") << message({1, 1}) << "sStart(bool): true | sStart(): ";
     QTest::newRow("xit enable sent as 58") << message({58, 1u, 0u, true}) << "sRxXitReset(uint,uint): 1, 0";
     QTest::newRow("xit enable as 59") << message({59, 1u, 0u, true}) << "sRxXitEnable(uint,uint,bool): 1, 0, true";
-    QTest::newRow("nb1 level int to double") << message({33, 2u, -40}) << "sRxNB1Level(uint,double): 2, -40";
+    QTest::newRow("nb1 level float to double") << message({33, 2u, -40.5f}) << "sRxNB1Level(uint,double): 2, -40.5";
     QTest::newRow("cw pitch int to uint") << message({85, -1}) << "sCwPitch(uint): 4294967295";
     QTest::newRow("tx mon through int: 2") << message({68, 0u, 2}) << "sTxMon(uint,bool): 0, true";
     QTest::newRow("tx mon through int: 'true'") << message({68, 0u, "true"}) << "sTxMon(uint,bool): 0, false";
