@@ -86,6 +86,8 @@ private slots:
     void tabsFollowPanelCount_data();
     void tabsFollowPanelCount();
     void deviceChangedCommandAddsAndRemovesAtTheEnd();
+    void notificationsInsideACycleRunAfterIt_data();
+    void notificationsInsideACycleRunAfterIt();
     void udevEventsRecount();
     void readSettingsOpensEnabledPanelsAfterDelay();
     void keyPressReachesHost();
@@ -264,6 +266,55 @@ void tst_ControlDialix::deviceChangedCommandAddsAndRemovesAtTheEnd()
     VirtualPanel::unplug(second);
     root->setCommand(QVariantList {109});
     QCOMPARE(tabTitles(), QStringList {"Dialix 1"});
+}
+
+void tst_ControlDialix::notificationsInsideACycleRunAfterIt_data()
+{
+    QTest::addColumn<QString>("inside");
+    QTest::addColumn<int>("handles"); // open handles once everything has run
+    QTest::newRow("[109], a panel unplugged") << "109" << 1;
+    QTest::newRow("closeDevices()") << "close" << 0;
+    QTest::newRow("updateDevices()") << "update" << 1;
+    QTest::newRow("root deleted") << "delete" << 0;
+}
+
+// closeDevice() lets events run for 10 ms while a cycle walks the controllers.
+// A notification that arrives then waits until the cycle has ended and then
+// runs its own whole cycle; the host may even delete the root meanwhile.
+void tst_ControlDialix::notificationsInsideACycleRunAfterIt()
+{
+    QFETCH(QString, inside);
+    QFETCH(int, handles);
+    const int first = VirtualPanel::plug(QStringLiteral("DLX0001"));
+    const int second = VirtualPanel::plug(QStringLiteral("DLX0002"));
+    QVERIFY(load());
+    enable(0);
+    enable(1);
+    QTRY_COMPARE_WITH_TIMEOUT(VirtualPanel::openHandles(first), 2, Timeout);
+    VirtualPanel::unplug(second);
+
+    bool ranInside = false;
+    int enumerationsInside = -1;
+    QTimer::singleShot(0, [&] {
+        ranInside = true;
+        enumerationsInside = VirtualPanel::enumerations();
+        if (inside == QLatin1String("109"))
+            root->setCommand(QVariantList {109});
+        else if (inside == QLatin1String("close"))
+            root->closeDevices();
+        else if (inside == QLatin1String("update"))
+            QMetaObject::invokeMethod(root, "updateDevices");
+        else
+            delete root.data();
+        // Nothing of it has run yet.
+        if (root)
+            QCOMPARE(VirtualPanel::enumerations(), enumerationsInside);
+    });
+    root->setCommand(QVariantList {109});
+    QVERIFY(ranInside);
+    if (root)
+        QCOMPARE(tabTitles(), QStringList {"Dialix 1"});
+    QTRY_COMPARE_WITH_TIMEOUT(VirtualPanel::openHandles(), handles, Timeout);
 }
 
 void tst_ControlDialix::udevEventsRecount()

@@ -21,6 +21,7 @@
 
 #include <hidapi.h>
 
+#include <future>
 #include <system_error>
 
 namespace {
@@ -93,13 +94,22 @@ ControlDialix::ControlDialix()
 
 ControlDialix::~ControlDialix()
 {
-    // The controllers close their own panels as they go. The tab widget belongs
-    // to the host once addWidget() ran; before that nobody else knows it.
-    controllers.clear();
-    if (tabWidget && !tabWidget->parent())
-        delete tabWidget.data();
+    // No cycle starts from here on. The controllers close their own panels as
+    // they go, serving events meanwhile; whatever the host does then finds an
+    // empty list. A cycle that was under way when the host deleted the root
+    // keeps its own copy of the list and ends at its next step.
+    destroying = true;
     if (QCoreApplication *app = QCoreApplication::instance())
         app->removeNativeEventFilter(this);
+    delete watcher;
+    watcher = nullptr;
+    Controllers doomed;
+    doomed.swap(controllers);
+    doomed.clear();
+    // The tab widget belongs to the host once addWidget() ran; before that
+    // nobody else knows it.
+    if (tabWidget && !tabWidget->parent())
+        delete tabWidget.data();
     // The translations live in this library, which the host may unload next.
     removeDialixTranslator();
 }
@@ -119,8 +129,7 @@ bool ControlDialix::addWidget(QLayout *layout)
 
 void ControlDialix::closeDevices()
 {
-    for (const auto &controller : qAsConst(controllers))
-        controller->panel().closeDevice();
+    runCycle(Cycle::CloseDevices);
 }
 
 void ControlDialix::saveSettings(QSettings *s)
@@ -144,13 +153,8 @@ void ControlDialix::readSettings(QSettings *s)
     // panels; the GUI thread does not go on until that has finished.
     QPointer<ControlDialix> self(this);
     QTimer::singleShot(DeferredStartMs, [self] {
-        if (!self)
-            return;
-        try {
-            self->updateDevices();
-        } catch (const std::system_error &e) {
-            qCDebug(dialixLog) << Q_FUNC_INFO << e.what();
-        }
+        if (self)
+            self->runCycle(Cycle::DeferredStart);
     });
 }
 
@@ -222,8 +226,62 @@ void ControlDialix::setCwKeyObject(QObject *p)
 
 void ControlDialix::deviceChanged()
 {
-    for (const auto &controller : qAsConst(controllers))
+    runCycle(Cycle::DeviceChanged);
+}
+
+void ControlDialix::updateDevices()
+{
+    runCycle(Cycle::UpdateDevices);
+}
+
+void ControlDialix::runCycle(Cycle cycle)
+{
+    if (destroying)
+        return;
+    pendingCycles.append(cycle);
+    if (cycleRunning)
+        return; // runs once the cycle under way has ended
+    cycleRunning = true;
+    while (!pendingCycles.isEmpty()) {
+        if (!runOne(pendingCycles.takeFirst()))
+            return; // the root is gone: touch nothing
+    }
+    cycleRunning = false;
+}
+
+bool ControlDialix::runOne(Cycle cycle)
+{
+    switch (cycle) {
+    case Cycle::DeviceChanged:
+        return changeDevices();
+    case Cycle::UpdateDevices:
+        return reopenPanels();
+    case Cycle::CloseDevices:
+        return closePanels(controllers);
+    case Cycle::DeferredStart:
+        return deferredStart();
+    }
+    return true;
+}
+
+// Close every panel of `list`. The list is a copy: it keeps each controller
+// alive while its panel closes, whatever the events served meanwhile do.
+bool ControlDialix::closePanels(const Controllers &list)
+{
+    QPointer<ControlDialix> self(this);
+    for (const auto &controller : list) {
         controller->panel().closeDevice();
+        if (!self)
+            return false;
+    }
+    return true;
+}
+
+bool ControlDialix::changeDevices()
+{
+    QPointer<ControlDialix> self(this);
+    if (!closePanels(controllers))
+        return false;
 
     const int target = qMax(deviceCount(), 1);
     while (controllers.size() < target) {
@@ -232,11 +290,15 @@ void ControlDialix::deviceChanged()
         if (settings)
             controller->loadOptions();
     }
-    while (controllers.size() > target)
+    while (controllers.size() > target) {
         removeLastController();
+        if (!self)
+            return false;
+    }
 
-    for (int i = 0; i < controllers.size(); ++i) {
-        DialixControl &controller = *controllers.at(i);
+    const Controllers list = controllers;
+    for (int i = 0; i < list.size(); ++i) {
+        DialixControl &controller = *list.at(i);
         // The first controller keeps what setManager() gave it.
         if (i > 0) {
             giveCwKey(controller, cwKey);
@@ -244,17 +306,40 @@ void ControlDialix::deviceChanged()
         }
         if (enabled(controller))
             controller.open(true);
+        if (!self)
+            return false;
     }
+    return true;
 }
 
-void ControlDialix::updateDevices()
+bool ControlDialix::reopenPanels()
 {
-    for (const auto &controller : qAsConst(controllers))
-        controller->panel().closeDevice();
-    for (const auto &controller : qAsConst(controllers)) {
+    QPointer<ControlDialix> self(this);
+    const Controllers list = controllers;
+    if (!closePanels(list))
+        return false;
+    for (const auto &controller : list) {
         if (enabled(*controller))
             controller->open(true);
+        if (!self)
+            return false;
     }
+    return true;
+}
+
+// Re-opens the enabled panels on a worker thread and waits for it: the GUI
+// thread serves no event meanwhile, so neither the host nor a device change
+// runs inside it.
+bool ControlDialix::deferredStart()
+{
+    try {
+        std::async(std::launch::async, [this] { reopenPanels(); }).get();
+    } catch (const std::system_error &e) {
+        qCDebug(dialixLog) << Q_FUNC_INFO << e.what();
+    } catch (const std::exception &e) {
+        qCDebug(dialixLog) << Q_FUNC_INFO << e.what();
+    }
+    return true;
 }
 
 int ControlDialix::deviceCount()

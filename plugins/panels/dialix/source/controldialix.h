@@ -62,6 +62,20 @@ private slots:
     void updateDevices();
 
 private:
+    // The panel cycles: device change, re-opening, closing, and the deferred
+    // start after readSettings(). Closing a panel serves events for 10 ms, so a
+    // cycle can be asked for while another one runs; it then waits until the
+    // running one has ended and runs in full afterwards, one cycle per request.
+    enum class Cycle { DeviceChanged, UpdateDevices, CloseDevices, DeferredStart };
+    using Controllers = QList<std::shared_ptr<DialixControl>>;
+    void runCycle(Cycle cycle);
+    // Each returns false when the host deleted the root meanwhile.
+    bool runOne(Cycle cycle);
+    bool changeDevices();
+    bool reopenPanels();
+    bool closePanels(const Controllers &list);
+    bool deferredStart();
+
     int deviceCount();
     std::shared_ptr<DialixControl> addController();
     void removeLastController();
@@ -74,6 +88,9 @@ private:
     DeviceManagerAbstract *manager = nullptr; // borrowed
     std::shared_ptr<qrvCommand> codec;
     Dialix probe; // only enumerates, never opened
-    QList<std::shared_ptr<DialixControl>> controllers;
+    Controllers controllers;
     DeviceWatcher *watcher = nullptr; // child
+    QList<Cycle> pendingCycles;
+    bool cycleRunning = false;
+    bool destroying = false;
 };

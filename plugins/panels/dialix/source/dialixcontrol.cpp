@@ -25,6 +25,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <utility>
 
 using dialix::SubMenu;
 
@@ -310,8 +311,8 @@ void DialixControl::readExtraSettings(QSettings *settings)
 
 void DialixControl::open(bool state)
 {
-    if (!state) {
-        retryTimer.stop();
+    if (!state || !options) {
+        setRetry(false);
         device.closeDevice();
         return;
     }
@@ -319,10 +320,10 @@ void DialixControl::open(bool state)
     if (!device.openDevice()) {
         // Not found, not accessible yet, or already open: look again in a
         // second for as long as "Enable" stays ticked.
-        retryTimer.start();
+        setRetry(true);
         return;
     }
-    retryTimer.stop();
+    setRetry(false);
     Ui::DialixOptions *ui = options->ui.get();
     onLedButtons(ui->chbKeyLed->isChecked());
     onLedEncoder(ui->chbEncoderLed->isChecked());
@@ -337,8 +338,23 @@ void DialixControl::terminate()
 
 void DialixControl::restore()
 {
-    if (options->ui->chbEnable->isChecked())
+    if (options && options->ui->chbEnable->isChecked())
         open(true);
+}
+
+// open() also runs on the worker thread of the root's deferred start; the
+// retry timer is started and stopped on the controller's own thread.
+void DialixControl::setRetry(bool on)
+{
+    if (QThread::currentThread() != thread()) {
+        QMetaObject::invokeMethod(
+            this, [this, on] { setRetry(on); }, Qt::QueuedConnection);
+        return;
+    }
+    if (on)
+        retryTimer.start();
+    else
+        retryTimer.stop();
 }
 
 void DialixControl::setCommand(QVariant cmd)

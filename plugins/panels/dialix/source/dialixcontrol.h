@@ -227,6 +227,7 @@ private:
     void setMixerMode(quint32 mode);
     void emitMixerVfoMode(quint32 mode);
     void setLed(int mask, bool on);
+    void setRetry(bool on);
     void ptt(bool state);
     void paddle();
     void writeGroups(QSettings &settings, int dialKeyOffset);
