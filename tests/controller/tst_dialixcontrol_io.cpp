@@ -10,6 +10,8 @@
 #include <QtTest>
 
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <thread>
 
 // The controller with its panel open on the virtual panel (reader thread
@@ -40,15 +42,52 @@ struct MessageBoxCloser : QObject
 };
 
 // Selects a port for PTT transfer and enables it.
-void enablePort(Rig &rig, const QString &name, bool dtr, bool rts)
+void enablePort(Ui::DialixOptions *ui, const QString &name, bool dtr, bool rts)
 {
-    rig.ui()->cbPttTransfer->setCurrentIndex(2);
-    rig.ui()->cbPortName->addItem(name);
-    rig.ui()->cbPortName->setCurrentText(name);
-    rig.ui()->chbDTR->setChecked(dtr);
-    rig.ui()->chbRTS->setChecked(rts);
-    rig.ui()->chbEnableComPort->setChecked(true);
+    ui->cbPttTransfer->setCurrentIndex(2);
+    ui->cbPortName->addItem(name);
+    ui->cbPortName->setCurrentText(name);
+    ui->chbDTR->setChecked(dtr);
+    ui->chbRTS->setChecked(rts);
+    ui->chbEnableComPort->setChecked(true);
 }
+
+// Collects the debug lines of every thread while it lives.
+class DebugLog
+{
+public:
+    DebugLog() { previous = qInstallMessageHandler(&DebugLog::collect); }
+    ~DebugLog()
+    {
+        qInstallMessageHandler(previous);
+        std::lock_guard<std::mutex> lock(mutex());
+        collected().clear();
+    }
+    QStringList lines(const QString &containing) const
+    {
+        std::lock_guard<std::mutex> lock(mutex());
+        return collected().filter(containing);
+    }
+
+private:
+    static std::mutex &mutex()
+    {
+        static std::mutex m;
+        return m;
+    }
+    static QStringList &collected()
+    {
+        static QStringList list;
+        return list;
+    }
+    static void collect(QtMsgType type, const QMessageLogContext &, const QString &text)
+    {
+        std::lock_guard<std::mutex> lock(mutex());
+        if (type == QtDebugMsg)
+            collected() << text;
+    }
+    QtMessageHandler previous = nullptr;
+};
 
 } // namespace
 
@@ -219,28 +258,122 @@ private slots:
 
     // ---- PTT, paddle, serial port -----------------------------------------
 
+    void panelThatStopsReleases_data()
+    {
+        QTest::addColumn<QString>("how");
+        QTest::addColumn<QString>("route");
+        const QStringList ways = {"closeDevice, reopened", "open(false)", "terminate()",
+                                  "unplugged, closed", "controller destroyed"};
+        const QStringList routes = {"CW key", "host", "COM port", "COM port, RTS unticked",
+                                    "paddle"};
+        for (const QString &how : ways) {
+            for (const QString &route : routes)
+                QTest::addRow("%s, %s", qPrintable(how), qPrintable(route)) << how << route;
+        }
+    }
+
+    // However the panel stops delivering while it holds PTT or a paddle
+    // contact, the release goes out the way the press went (on the lines that
+    // were raised, also one unticked meanwhile). Reopened while still held, it
+    // keys again. Failing reads are logged once.
+    void panelThatStopsReleases()
+    {
+        QFETCH(QString, how);
+        QFETCH(QString, route);
+        const int panel = vp::plug(QStringLiteral("A1"));
+        vp::setReportInterval(panel, 5);
+        PtyPort pty;
+        QVERIFY2(pty.isValid(), qPrintable(pty.errorString()));
+        RecordingCwKey key;
+        RecordingManager manager;
+        manager.setCwKeyControl(&key);
+        auto ctrl = std::make_unique<DialixControl>();
+        ctrl->setChannels(3);
+        Ui::DialixOptions *ui = ctrl->optionsWidget()->ui.get();
+        ui->cbReceiver->setCurrentIndex(1);
+        ctrl->setDevManager(&manager);
+
+        const bool host = route == QLatin1String("host");
+        const bool paddle = route == QLatin1String("paddle");
+        const bool com = route.startsWith(QLatin1String("COM"));
+        const int rekeyed = route.endsWith(QLatin1String("unticked"))
+            ? int(ModemLines::Dtr)
+            : ModemLines::Dtr | ModemLines::Rts;
+        if (com)
+            enablePort(ui, pty.portName(), true, true);
+        else
+            ui->cbPttTransfer->setCurrentIndex(host ? 1 : 0);
+        const QStringList &calls = host ? manager.calls : key.calls;
+        const QString press = paddle ? "setKey(1,1,true,false)"
+            : host                   ? "signal txTransfer(1,true)"
+                                     : "setTrx(1,1,true)";
+        const QString release = paddle ? "setKey(1,1,false,false)"
+            : host                     ? "signal txTransfer(1,false)"
+                                       : "setTrx(1,1,false)";
+        const auto keyed = [&] {
+            return com ? pty.lines() & ModemLines::Output : int(calls.size() % 2);
+        };
+        ui->chbEnable->setChecked(true);
+        QVERIFY(ctrl->panel().isOpen());
+        paddle ? vp::setDash(panel, true) : vp::setPtt(panel, true);
+        QTRY_COMPARE_WITH_TIMEOUT(keyed(), com ? ModemLines::Dtr | ModemLines::Rts : 1, 5000);
+        if (rekeyed == ModemLines::Dtr)
+            ui->chbRTS->setChecked(false); // while PTT is held
+
+        DebugLog log;
+        if (how.startsWith(QLatin1String("closeDevice")))
+            ctrl->panel().closeDevice();
+        else if (how == QLatin1String("open(false)"))
+            ui->chbEnable->setChecked(false);
+        else if (how == QLatin1String("terminate()"))
+            ctrl->terminate();
+        else if (how.startsWith(QLatin1String("unplugged"))) {
+            vp::unplug(panel);
+            QTest::qWait(50);
+            ctrl->panel().closeDevice();
+        } else {
+            ctrl.reset();
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(keyed(), 0, 5000);
+        if (!com)
+            QCOMPARE(calls, (QStringList {press, release}));
+
+        if (how.endsWith(QLatin1String("reopened"))) {
+            ctrl->open(true);
+            QTRY_COMPARE_WITH_TIMEOUT(keyed(), com ? rekeyed : 1, 5000);
+            if (!com)
+                QCOMPARE(calls, (QStringList {press, release, press}));
+        }
+        QCOMPARE(log.lines(QStringLiteral("reading the panel fails")).size(),
+                 how.startsWith(QLatin1String("unplugged")) ? 1 : 0);
+    }
+
     void pttRoutes_data()
     {
         QTest::addColumn<int>("mode");
+        QTest::addColumn<int>("modeAtRelease");
         QTest::addColumn<bool>("bound");
         QTest::addColumn<bool>("cwKeyObject");
         QTest::addColumn<QStringList>("cwKey");
         QTest::addColumn<QStringList>("manager");
         const QStringList trx = {"setTrx(1,1,true)", "setTrx(1,1,false)"};
+        const QStringList tx = {"signal txTransfer(1,true)", "signal txTransfer(1,false)"};
         const QStringList none;
-        QTest::newRow("no transfer") << 0 << true << true << trx << none;
-        QTest::newRow("COM port not enabled") << 2 << true << true << trx << none;
-        QTest::newRow("to the host")
-            << 1 << true << true << none
-            << QStringList {"signal txTransfer(1,true)", "signal txTransfer(1,false)"};
-        QTest::newRow("no CW-key object") << 0 << true << false << none << none;
-        QTest::newRow("no manager") << 0 << false << true << none << none;
-        QTest::newRow("no manager, to the host") << 1 << false << true << none << none;
+        QTest::newRow("no transfer") << 0 << 0 << true << true << trx << none;
+        QTest::newRow("COM port not enabled") << 2 << 2 << true << true << trx << none;
+        QTest::newRow("to the host") << 1 << 1 << true << true << none << tx;
+        QTest::newRow("no CW-key object") << 0 << 0 << true << false << none << none;
+        QTest::newRow("no manager") << 0 << 0 << false << true << none << none;
+        QTest::newRow("no manager, to the host") << 1 << 1 << false << true << none << none;
+        // The release also goes where the press went.
+        QTest::newRow("to the host, then no transfer")
+            << 1 << 0 << true << true << QStringList {"setTrx(1,1,false)"} << tx;
     }
 
     void pttRoutes()
     {
         QFETCH(int, mode);
+        QFETCH(int, modeAtRelease);
         QFETCH(bool, bound);
         QFETCH(bool, cwKeyObject);
         QFETCH(QStringList, cwKey);
@@ -250,6 +383,7 @@ private slots:
             rig.manager.setCwKeyControl(nullptr);
         rig.ui()->cbPttTransfer->setCurrentIndex(mode);
         emit rig.ctrl.panel().ptt(true);
+        rig.ui()->cbPttTransfer->setCurrentIndex(modeAtRelease);
         emit rig.ctrl.panel().ptt(false);
         QCOMPARE(rig.cwKey.calls, cwKey);
         QCOMPARE(rig.manager.calls, manager);
@@ -274,7 +408,7 @@ private slots:
         PtyPort pty;
         QVERIFY2(pty.isValid(), qPrintable(pty.errorString()));
         Rig rig;
-        enablePort(rig, pty.portName(), dtr, rts);
+        enablePort(rig.ui(), pty.portName(), dtr, rts);
         QVERIFY(rig.ui()->chbEnableComPort->isChecked());
         QCOMPARE(pty.lines() & ModemLines::Output, 0);
 
@@ -305,7 +439,7 @@ private slots:
         QTest::qWait(60);
         QCOMPARE(closer.seen, QStringList());
 
-        enablePort(rig, QStringLiteral("/nonexistent/ttyDIALIX"), true, true);
+        enablePort(rig.ui(), QStringLiteral("/nonexistent/ttyDIALIX"), true, true);
         QVERIFY(!rig.ui()->chbEnableComPort->isChecked());
         QCOMPARE(closer.seen,
                  QStringList {"TestHost: Failed to open /nonexistent/ttyDIALIX for "

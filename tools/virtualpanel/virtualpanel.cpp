@@ -38,6 +38,8 @@ struct Panel
     bool writesFail = false;
     bool writesBlock = false;
     bool openFails = false;
+    int reportIntervalMs = 0;
+    std::chrono::steady_clock::time_point lastReport;
     int handles = 0;
     int readCalls = 0;
     int failedWrites = 0;
@@ -484,6 +486,16 @@ int blockedWrites(int id)
     return panel ? panel->blockedWrites : 0;
 }
 
+void setReportInterval(int id, int milliseconds)
+{
+    std::lock_guard<std::mutex> lock(bus().mutex);
+    if (const auto panel = findLocked(id)) {
+        panel->reportIntervalMs = std::max(0, milliseconds);
+        panel->readable.notify_all();
+    }
+    bus().changed.notify_all();
+}
+
 void setOpenFails(int id, bool fail)
 {
     std::lock_guard<std::mutex> lock(bus().mutex);
@@ -527,10 +539,19 @@ int readLocked(std::unique_lock<std::mutex> &lock, hid_device *dev, unsigned cha
     const auto ready = [&] {
         return !panel.input.empty() || !panel.plugged || panel.readsFail || dev->closed;
     };
-    if (milliseconds < 0)
+    using Clock = std::chrono::steady_clock;
+    const auto now = Clock::now();
+    const auto repeat = panel.lastReport + std::chrono::milliseconds(panel.reportIntervalMs);
+    if (panel.reportIntervalMs > 0
+        && (milliseconds < 0 || repeat < now + std::chrono::milliseconds(milliseconds))) {
+        // The panel sends its state again when its interval is up.
+        if (!panel.readable.wait_until(lock, repeat, ready))
+            queueStateLocked(panel, -1, 0);
+    } else if (milliseconds < 0) {
         panel.readable.wait(lock, ready);
-    else if (milliseconds > 0)
+    } else if (milliseconds > 0) {
         panel.readable.wait_for(lock, std::chrono::milliseconds(milliseconds), ready);
+    }
 
     if (!panel.plugged) {
         dev->error = L"hid_read_timeout: device disconnected";
@@ -544,6 +565,7 @@ int readLocked(std::unique_lock<std::mutex> &lock, hid_device *dev, unsigned cha
         return 0;
     const Input input = panel.input.front();
     panel.input.pop_front();
+    panel.lastReport = Clock::now();
     bus().changed.notify_all();
     if (input.error) {
         dev->error = L"hid_read_timeout: read error";

@@ -102,6 +102,11 @@ int pendingReports(int panel);
 // Blocks until the panel's input queue is empty (all read) or the timeout
 // passes. Returns whether it emptied.
 bool waitUntilRead(int panel, int timeoutMs);
+// The panel sends its whole state again every `milliseconds` while a handle
+// reads it and nothing else was sent meanwhile, like a panel that answers every
+// poll of its interrupt endpoint (0, the default: it reports changes only).
+// Such a report carries no dial movement.
+void setReportInterval(int panel, int milliseconds);
 
 // Operator actions. Each one changes the panel's switch word and queues one full
 // report with the new word and no dial movement (turnDial: with the movement).

@@ -2,6 +2,7 @@
 
 #include "plugins/panels/dialix/source/dialix.h"
 
+#include <QDebug>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -14,6 +15,13 @@ static_assert(Dialix::Key0 == FirstKeyBit && Dialix::Key14 == FirstKeyBit + KeyC
 static_assert(Dialix::KeyEnc0 == FirstDialPushBit
               && Dialix::KeyEnc3 == FirstDialPushBit + DialCount - 1);
 static_assert(Dialix::Enc0 == 0 && Dialix::Enc3 == DialCount - 1);
+
+namespace {
+
+// The contacts a panel holds down for as long as the operator does.
+constexpr quint32 HeldContacts = 1u << PttBit | 1u << DashBit | 1u << DotBit;
+
+} // namespace
 
 Dialix::Dialix(QObject *parent)
     : QThread(parent)
@@ -122,6 +130,12 @@ qint32 Dialix::closeDevice()
     }
     hid_close(handle);
     handle = nullptr;
+    // Whoever drove the PTT and paddle lets go of them now, since no release
+    // could be reported any more. Forgetting their bits makes a contact that is
+    // still held when the panel opens again come out as a new press, so the
+    // transmitter keys again, while one let go meanwhile stays released. The
+    // keys keep theirs: a key still held must not run its function twice.
+    previousSwitches &= ~HeldContacts;
     return Closed;
 }
 
@@ -171,6 +185,22 @@ void Dialix::waitForWrites(std::chrono::steady_clock::time_point deadline)
                               [this] { return !writeQueue.isEmpty() || !running.load(); });
 }
 
+// One debug line when the reads start failing and one when they work again,
+// however many reads fail in between.
+void Dialix::noteRead(int got)
+{
+    if ((got < 0) == readsFailing)
+        return;
+    readsFailing = got < 0;
+    if (readsFailing) {
+        const wchar_t *error = hid_error(handle);
+        qDebug("Dialix: reading the panel fails: %s",
+               error ? qUtf8Printable(QString::fromWCharArray(error)) : "(no reason given)");
+    } else {
+        qDebug("Dialix: reading the panel works again");
+    }
+}
+
 void Dialix::run()
 {
     using Clock = std::chrono::steady_clock;
@@ -198,6 +228,7 @@ void Dialix::run()
         const int got = hid_read_timeout(handle, inputBuffer, ReportSize, ReadTimeoutMs);
         if (got >= 0)
             failedReads = 0;
+        noteRead(got);
         if (got == ReportSize) {
             processReport(inputBuffer, got);
         } else if (got < 0) {

@@ -112,7 +112,9 @@ public:
     // stops the reader thread and closes the handle. Returns Closed (0), or
     // NotOpen (2) without doing anything when the panel was not open. Reports
     // that the reader has not written within the 10 ms stay queued and go out
-    // first at the next open. Never call it from the reader thread.
+    // first at the next open. The PTT and paddle bits of the previous switch
+    // word are forgotten, so that contacts still held key again after the next
+    // open. Never call it from the reader thread.
     qint32 closeDevice();
 
     // Decodes one read of `length` bytes against the previous switch word
@@ -149,12 +151,14 @@ protected:
 
 private:
     void waitForWrites(std::chrono::steady_clock::time_point deadline);
+    void noteRead(int got);
 
     QList<hid_device_info *> deviceList;
     hid_device_info *deviceInfo = nullptr;
     hid_device *handle = nullptr;
     std::atomic<bool> running {false};
     quint32 previousSwitches = 0;
+    bool readsFailing = false; // reader thread only
     unsigned char inputBuffer[dialix::protocol::ReportSize] = {};
     unsigned char ledReport[dialix::protocol::LedReportSize] = {};
     QQueue<QByteArray> writeQueue;

@@ -57,6 +57,8 @@ QPushButton *buttonAt(const QList<QPointer<QPushButton>> &buttons, int i)
 {
     return i >= 0 && i < buttons.size() ? buttons.at(i).data() : nullptr;
 }
+// Serial-port lines that PTT raises.
+enum SerialLine { LineDtr = 1, LineRts = 2 };
 
 // Runs one load of stored settings. A damaged file can hold a serialised value
 // ("@Variant(...)") whose length field makes Qt allocate without limit, and
@@ -183,6 +185,13 @@ DialixControl::DialixControl(QObject *parent)
             &DialixControl::onPttTransferMode);
     connect(ui->chbEnableComPort, &QCheckBox::toggled, this, &DialixControl::onSerialPortOpen);
 
+    // The reader thread ends when the panel closes, whoever closes it. Its end
+    // is queued behind the last events it sent, so a press still on its way
+    // cannot undo the release.
+    connect(&device, &QThread::finished, this, &DialixControl::releaseHeld);
+    if (QCoreApplication *app = QCoreApplication::instance())
+        connect(app, &QCoreApplication::aboutToQuit, this, &DialixControl::releaseHeld);
+
     setChannels(1);
 }
 
@@ -190,6 +199,7 @@ DialixControl::~DialixControl()
 {
     retryTimer.stop();
     device.closeDevice();
+    releaseHeld();
     // The page belongs to whoever shows it; one that nobody holds any more
     // (never shown, or taken out of the tab widget) goes with its controller.
     if (options && !options->parent())
@@ -1229,24 +1239,59 @@ void DialixControl::KeyPtt(bool Status)
 
 void DialixControl::ptt(bool state)
 {
-    if (!deviceManager)
-        return;
-    Ui::DialixOptions *ui = options->ui.get();
-    const int mode = ui->cbPttTransfer->currentIndex();
-    if (mode == PttToHost) {
-        emit deviceManager->txTransfer(rx(), state);
+    PttRoutes sent;
+    if (deviceManager && options) {
+        Ui::DialixOptions *ui = options->ui.get();
+        const int mode = ui->cbPttTransfer->currentIndex();
+        if (mode == PttToHost) {
+            emit deviceManager->txTransfer(rx(), state);
+            sent.host = deviceManager;
+            sent.hostRx = rx();
+        } else if (mode == PttToComPort && ui->chbEnableComPort->isChecked()) {
+            SerialPortAbstract *port = serialPort.current();
+            if (ui->chbDTR->isChecked()) {
+                port->setDataTerminalReady(state);
+                sent.lines |= LineDtr;
+            }
+            if (ui->chbRTS->isChecked()) {
+                port->setRequestToSend(state);
+                sent.lines |= LineRts;
+            }
+        } else if (CwKeyControlAbstract *key = deviceManager->cwKeyControl()) {
+            key->setTrx(rx(), PanelSource, state);
+            sent.key = key;
+            sent.keyRx = rx();
+        }
+    }
+    if (!state) {
+        releasePtt(sent);
         return;
     }
-    if (mode == PttToComPort && ui->chbEnableComPort->isChecked()) {
-        SerialPortAbstract *port = serialPort.current();
-        if (ui->chbDTR->isChecked())
-            port->setDataTerminalReady(state);
-        if (ui->chbRTS->isChecked())
-            port->setRequestToSend(state);
-        return;
+    if (sent.host) {
+        keyedPtt.host = sent.host;
+        keyedPtt.hostRx = sent.hostRx;
     }
-    if (CwKeyControlAbstract *key = deviceManager->cwKeyControl())
-        key->setTrx(rx(), PanelSource, state);
+    if (sent.key) {
+        keyedPtt.key = sent.key;
+        keyedPtt.keyRx = sent.keyRx;
+    }
+    keyedPtt.lines |= sent.lines;
+}
+
+void DialixControl::releasePtt(const PttRoutes &alreadyReleased)
+{
+    const PttRoutes held = std::exchange(keyedPtt, PttRoutes());
+    const PttRoutes &done = alreadyReleased;
+    if (held.host && (held.host != done.host || held.hostRx != done.hostRx))
+        emit held.host->txTransfer(held.hostRx, false);
+    if (held.key && (held.key != done.key || held.keyRx != done.keyRx))
+        held.key->setTrx(held.keyRx, PanelSource, false);
+    const int lines = held.lines & ~done.lines;
+    SerialPortAbstract *port = serialPort.current();
+    if (lines & LineDtr)
+        port->setDataTerminalReady(false);
+    if (lines & LineRts)
+        port->setRequestToSend(false);
 }
 
 void DialixControl::KeyDash(bool Status)
@@ -1265,17 +1310,43 @@ void DialixControl::KeyDot(bool Status)
 // both contacts closed.
 void DialixControl::paddle()
 {
-    if (!deviceManager)
-        return;
-    if (CwKeyControlAbstract *key = deviceManager->cwKeyControl())
+    CwKeyControlAbstract *key = nullptr;
+    if (deviceManager && options)
+        key = deviceManager->cwKeyControl();
+    if (key)
         key->setKey(rx(), PanelSource, dashState, dotState);
+    if (dashState || dotState) {
+        if (key) {
+            paddleKey = key;
+            paddleRx = rx();
+        }
+        return;
+    }
+    // Both contacts open: where they were closed they open too.
+    if (paddleKey && (paddleKey != key || (key && paddleRx != rx())))
+        paddleKey->setKey(paddleRx, PanelSource, false, false);
+    paddleKey = nullptr;
+}
+
+void DialixControl::releaseHeld()
+{
+    releasePtt(PttRoutes());
+    if (dashState || dotState) {
+        dashState = false;
+        dotState = false;
+        if (paddleKey)
+            paddleKey->setKey(paddleRx, PanelSource, false, false);
+    }
+    paddleKey = nullptr;
 }
 
 void DialixControl::onSerialPortOpen(bool state)
 {
     SerialPortAbstract *port = serialPort.current();
     if (!state) {
+        // Closing drops both lines.
         port->close();
+        keyedPtt.lines = 0;
         return;
     }
     Ui::DialixOptions *ui = options->ui.get();

@@ -2,6 +2,7 @@
 
 // DialixControl, the controller of one panel.
 
+#include "interfaces/cwkeycontrolabstract.h"
 #include "interfaces/devicemanagerabstract.h"
 #include "interfaces/dialixabstract.h"
 #include "plugins/panels/dialix/source/dialix.h"
@@ -230,6 +231,10 @@ private:
     void setRetry(bool on);
     void ptt(bool state);
     void paddle();
+    // The panel stopped delivering (its reader ended, the controller goes, the
+    // host quits): nothing will report the release of what it holds, so the
+    // PTT and the paddle contacts are released here, the way they went out.
+    void releaseHeld();
     void writeGroups(QSettings &settings, int dialKeyOffset);
     void readGroups(QSettings &settings, int dialKeyOffset, bool relabel);
     QString groupName() const;
@@ -274,4 +279,20 @@ private:
     // When each dial last moved (clock time, ms), for its button's release timer.
     QElapsedTimer clock;
     qint64 dialMovedMs[DialCount] = {};
+
+    // Where the panel's PTT press went: its release goes the same way, also
+    // when the routing options changed while PTT was held.
+    struct PttRoutes
+    {
+        QPointer<DeviceManagerAbstract> host; // txTransfer(hostRx, ...)
+        quint32 hostRx = 0;
+        QPointer<CwKeyControlAbstract> key; // setTrx(keyRx, ...)
+        quint32 keyRx = 0;
+        int lines = 0; // SerialLine bits raised on the PTT port
+    };
+    void releasePtt(const PttRoutes &alreadyReleased);
+    PttRoutes keyedPtt;
+    // Where closed paddle contacts went.
+    QPointer<CwKeyControlAbstract> paddleKey;
+    quint32 paddleRx = 0;
 };
