@@ -26,6 +26,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <memory>
 
 #include <unistd.h>
@@ -89,6 +90,8 @@ private slots:
     void notificationsInsideACycleRunAfterIt_data();
     void notificationsInsideACycleRunAfterIt();
     void udevEventsRecount();
+    void heldPttThroughRootCycles_data();
+    void heldPttThroughRootCycles();
     void readSettingsOpensEnabledPanelsAfterDelay();
     void keyPressReachesHost();
     void moxLightsTransmitLed();
@@ -315,6 +318,81 @@ void tst_ControlDialix::notificationsInsideACycleRunAfterIt()
     if (root)
         QCOMPARE(tabTitles(), QStringList {"Dialix 1"});
     QTRY_COMPARE_WITH_TIMEOUT(VirtualPanel::openHandles(), handles, Timeout);
+}
+
+void tst_ControlDialix::heldPttThroughRootCycles_data()
+{
+    QTest::addColumn<QString>("how");
+    QTest::addColumn<QList<bool>>("host"); // PTT states the host sees
+    QTest::newRow("device change, panel stays") << "stays" << QList<bool> {true, false, true};
+    QTest::newRow("device change, panel unplugged") << "unplugged" << QList<bool> {true, false};
+    QTest::newRow("closeDevices()") << "close" << QList<bool> {true, false};
+    QTest::newRow("root deleted") << "delete" << QList<bool> {true, false};
+}
+
+// A held PTT is released whichever way the root stops the panel, and keys
+// again when the panel reopens still held. Prints how long the host saw PTT
+// released across a device change (a panel that repeats its state every 8 ms).
+void tst_ControlDialix::heldPttThroughRootCycles()
+{
+    QFETCH(QString, how);
+    QFETCH(QList<bool>, host);
+    const int panel = VirtualPanel::plug(QStringLiteral("DLX0001"));
+    VirtualPanel::setReportInterval(panel, 8);
+    QVERIFY(load());
+    Manager radio(2);
+    root->setManager(&radio);
+    QList<bool> seen;
+    QList<qint64> when;
+    QElapsedTimer clock;
+    clock.start();
+    connect(&radio, &DeviceManagerAbstract::txTransfer, this, [&](quint32, bool state) {
+        seen << state;
+        when << clock.nsecsElapsed();
+    });
+    page(0)->findChild<QComboBox *>(QStringLiteral("cbPttTransfer"))->setCurrentIndex(1);
+    enable(0);
+    VirtualPanel::setPtt(panel, true);
+    QTRY_COMPARE_WITH_TIMEOUT(seen, QList<bool> {true}, Timeout);
+
+    if (how == QLatin1String("stays")) {
+        QTimer wake; // the loop below never sleeps longer than this
+        wake.start(100);
+        for (int interval : {1, 8}) {
+            VirtualPanel::setReportInterval(panel, interval);
+            QList<double> gaps;
+            QList<double> cycles;
+            for (int i = 0; i < 20; ++i) {
+                const int before = seen.size();
+                const qint64 start = clock.nsecsElapsed();
+                root->setCommand(QVariantList {109});
+                cycles << (clock.nsecsElapsed() - start) / 1e6;
+                while (seen.size() < before + 2 && clock.elapsed() < Timeout * 10)
+                    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+                QCOMPARE(seen.mid(before), (QList<bool> {false, true}));
+                gaps << (when.at(before + 1) - when.at(before)) / 1e6;
+            }
+            std::sort(gaps.begin(), gaps.end());
+            std::sort(cycles.begin(), cycles.end());
+            qInfo("report interval %d ms: PTT released for %.3f / %.3f / %.3f ms, after cycles "
+                  "of %.1f / %.1f / %.1f ms (min / median / max of 20)",
+                  interval, gaps.first(), gaps.at(10), gaps.last(), cycles.first(), cycles.at(10),
+                  cycles.last());
+        }
+        seen = seen.mid(0, 2) << seen.last();
+    } else if (how == QLatin1String("unplugged")) {
+        VirtualPanel::unplug(panel);
+        root->setCommand(QVariantList {109});
+    } else if (how == QLatin1String("close")) {
+        root->closeDevices();
+    } else {
+        delete root.data();
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(seen, host, Timeout);
+    QTest::qWait(50);
+    QCOMPARE(seen, host);
+    if (root)
+        root->setManager(nullptr);
 }
 
 void tst_ControlDialix::udevEventsRecount()
