@@ -3,9 +3,11 @@
 #include "serial/qtserialportcontrol.h"
 
 #include "interfaces/dialixlogging.h"
+#include "serial/seriallines.h"
 
 #include <QMutexLocker>
 #include <QSerialPortInfo>
+#include <QTimer>
 #include <QTimerEvent>
 
 #include <cstddef>
@@ -64,9 +66,14 @@ int codeOf(const T (&table)[N], T value)
 
 QtSerialPortControl::QtSerialPortControl(QObject *parent)
     : SerialPortAbstract(parent)
-{ }
+{
+    connect(&m_port, &QSerialPort::errorOccurred, this, &QtSerialPortControl::portError);
+}
 
-QtSerialPortControl::~QtSerialPortControl() = default;
+QtSerialPortControl::~QtSerialPortControl()
+{
+    close();
+}
 
 QString QtSerialPortControl::errorString() const
 {
@@ -103,20 +110,69 @@ bool QtSerialPortControl::open(QIODevice::OpenMode mode)
     m_port.setDataTerminalReady(false);
     m_port.setRequestToSend(false);
     m_port.setReadBufferSize(4096);
+    if (!openLowered(mode))
+        return false;
+    m_wanted = mode;
+    if (m_vanished.exchange(false))
+        qCDebug(dialixLog, "%s: %s works again", Q_FUNC_INFO, qUtf8Printable(m_port.portName()));
+    return true;
+}
+
+// Opening a tty on Linux raises DTR and RTS, and a PTT line that is up keys
+// the transmitter: both go down again at once, before anything else, and the
+// tty drops them by itself when it closes (also when the process dies).
+bool QtSerialPortControl::openLowered(QIODevice::OpenMode mode)
+{
     if (!m_port.open(mode))
         return false;
-    // Opening a tty on Linux raises DTR and RTS. A PTT line that stays up
-    // keys the transmitter, so both go low again until PTT drives them.
-    m_port.setDataTerminalReady(false);
-    m_port.setRequestToSend(false);
+    seriallines::lowerBoth(m_port);
+    seriallines::hangUpOnClose(m_port);
     return true;
 }
 
 void QtSerialPortControl::close()
 {
     QMutexLocker locker(&m_mutex);
-    if (m_port.isOpen())
-        m_port.close();
+    m_wanted = QIODevice::NotOpen;
+    closeLowered();
+}
+
+void QtSerialPortControl::closeLowered()
+{
+    if (!m_port.isOpen())
+        return;
+    seriallines::lowerBoth(m_port);
+    m_port.close();
+}
+
+// A port that vanishes (a USB adapter pulled out) fails every request from
+// then on. It is said once, the dead port is closed, so that the adapter gets
+// its name back when it returns, and opened again once a second until it
+// works. Runs inside the failing request, which may hold the lock.
+void QtSerialPortControl::portError(QSerialPort::SerialPortError error)
+{
+    if (error != QSerialPort::ResourceError && error != QSerialPort::ReadError)
+        return;
+    if (m_vanished.exchange(true))
+        return;
+    // A failed read of a vanished tty carries whatever error came before.
+    qCDebug(dialixLog, "%s: %s fails: %s", Q_FUNC_INFO, qUtf8Printable(m_port.portName()),
+            error == QSerialPort::ReadError ? "reads fail" : qUtf8Printable(m_port.errorString()));
+    QMetaObject::invokeMethod(this, &QtSerialPortControl::reopenVanished, Qt::QueuedConnection);
+}
+
+void QtSerialPortControl::reopenVanished()
+{
+    QMutexLocker locker(&m_mutex);
+    if (!m_vanished || m_wanted == QIODevice::NotOpen)
+        return;
+    closeLowered();
+    if (openLowered(m_wanted)) {
+        m_vanished = false;
+        qCDebug(dialixLog, "%s: %s works again", Q_FUNC_INFO, qUtf8Printable(m_port.portName()));
+        return;
+    }
+    QTimer::singleShot(ReopenIntervalMs, this, &QtSerialPortControl::reopenVanished);
 }
 
 bool QtSerialPortControl::setBaudRate(qint32 rate, QSerialPort::Directions directions)
@@ -185,17 +241,20 @@ int QtSerialPortControl::flowControl() const
     return codeOf(kFlowControl, m_port.flowControl());
 }
 
+// A closed port (never opened, disabled, or gone) has no lines to drive.
 bool QtSerialPortControl::setDataTerminalReady(bool set)
 {
     QMutexLocker locker(&m_mutex);
-    m_port.setDataTerminalReady(set);
+    if (m_port.isOpen())
+        m_port.setDataTerminalReady(set);
     return true;
 }
 
 bool QtSerialPortControl::setRequestToSend(bool set)
 {
     QMutexLocker locker(&m_mutex);
-    m_port.setRequestToSend(set);
+    if (m_port.isOpen())
+        m_port.setRequestToSend(set);
     return true;
 }
 

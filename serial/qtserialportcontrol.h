@@ -20,6 +20,13 @@ class QTimerEvent;
 // startLinePolling(), which nothing in the plug-in calls. Both remembered
 // states start high, so a line that is already high when polling starts
 // produces no signal.
+//
+// For PTT the lines are only ever up when set: both go down right after the
+// port opens (the system raises them on open) and before it closes, and the
+// system drops them when the port closes for any reason. Setting a line of a
+// closed port does nothing. A port that vanishes while open (read or line
+// requests fail for good) is logged once, closed, and opened again once a
+// second until it works, which is logged once too.
 class QtSerialPortControl : public SerialPortAbstract
 {
     Q_OBJECT
@@ -61,10 +68,17 @@ public:
     void startLinePolling(int msecs);
     void stopLinePolling();
 
+    static constexpr int ReopenIntervalMs = 1000;
+
 protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
+    bool openLowered(QIODevice::OpenMode mode);
+    void closeLowered();
+    void portError(QSerialPort::SerialPortError error);
+    void reopenVanished();
+
     mutable QMutex m_mutex;
     QSerialPort m_port;
     int m_timerId = 0;
@@ -74,4 +88,8 @@ private:
     // does not change them.
     bool m_dataTerminalReady = false;
     bool m_requestToSend = false;
+    // How the port was last opened by open(), NotOpen once close() ran: a
+    // port that vanished meanwhile is opened again that way.
+    QIODevice::OpenMode m_wanted = QIODevice::NotOpen;
+    std::atomic_bool m_vanished {false};
 };

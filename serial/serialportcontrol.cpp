@@ -17,8 +17,11 @@ SerialPortControl::SerialPortControl(QObject *parent)
 
 SerialPortControl::~SerialPortControl()
 {
-    for (SerialPortAbstract *port : qAsConst(m_ports))
+    // Closed now, lines low: no event loop may run after the plug-in goes.
+    for (SerialPortAbstract *port : qAsConst(m_ports)) {
+        port->close();
         port->deleteLater();
+    }
 }
 
 SerialPortAbstract *SerialPortControl::current() const

@@ -262,8 +262,8 @@ private slots:
     {
         QTest::addColumn<QString>("how");
         QTest::addColumn<QString>("route");
-        const QStringList ways = {"closeDevice, reopened", "open(false)", "terminate()",
-                                  "unplugged, closed", "controller destroyed"};
+        const QStringList ways = {"closeDevice, reopened", "open(false)",          "terminate()",
+                                  "unplugged, closed",     "controller destroyed", "host quits"};
         const QStringList routes = {"CW key", "host", "COM port", "COM port, RTS unticked",
                                     "paddle"};
         for (const QString &how : ways) {
@@ -331,6 +331,9 @@ private slots:
             vp::unplug(panel);
             QTest::qWait(50);
             ctrl->panel().closeDevice();
+        } else if (how == QLatin1String("host quits")) {
+            QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+            QCoreApplication::exec();
         } else {
             ctrl.reset();
         }

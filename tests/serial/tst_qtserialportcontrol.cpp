@@ -6,7 +6,11 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <algorithm>
+
+#include <fcntl.h>
 #include <termios.h>
+#include <unistd.h>
 
 using ModemLines::Cause;
 using ModemLines::Dtr;
@@ -91,26 +95,45 @@ void tst_QtSerialPortControl::openLowersTheLinesItRaises()
 {
     PtyPort pty;
     QVERIFY2(pty.isValid(), qPrintable(pty.errorString()));
+    // A tty whose settings lack HUPCL (as "stty -hupcl" leaves it).
+    {
+        const int fd = ::open(QFile::encodeName(pty.portName()).constData(), O_RDWR | O_NOCTTY);
+        QVERIFY(fd >= 0);
+        termios tio;
+        QCOMPARE(tcgetattr(fd, &tio), 0);
+        tio.c_cflag &= ~tcflag_t(HUPCL);
+        QCOMPARE(tcsetattr(fd, TCSANOW, &tio), 0);
+        ::close(fd);
+    }
     QtSerialPortControl port;
     port.setPortName(pty.portName());
 
-    QVERIFY2(port.open(QIODevice::ReadWrite), qPrintable(port.errorString()));
+    QList<qint64> up;
+    for (int i = 0; i < 20; ++i) {
+        const int before = pty.changes().size();
+        QVERIFY2(port.open(QIODevice::ReadWrite), qPrintable(port.errorString()));
+        // The tty raised both lines on open; the port lowered both at once
+        // before returning, and touched nothing else.
+        const auto changes = pty.changes().mid(before);
+        QCOMPARE(changes.size(), 2);
+        QCOMPARE(changes.at(0).cause, Cause::Open);
+        QCOMPARE(changes.at(0).after, Dtr | Rts);
+        QCOMPARE(changes.at(1).cause, Cause::Write);
+        QCOMPARE(changes.at(1).after, 0);
+        up << (changes.at(1).nanoseconds - changes.at(0).nanoseconds) / 1000;
+        port.close();
+    }
+    std::sort(up.begin(), up.end());
+    qInfo("lines up after open for %lld / %lld / %lld us (min / median / max of %d opens)",
+          up.first(), up.at(up.size() / 2), up.last(), int(up.size()));
 
-    // The tty raised both lines on open; the port lowered them again before
-    // returning, and touched nothing else.
-    const auto changes = pty.changes();
-    QCOMPARE(changes.size(), 3);
-    QCOMPARE(changes.at(0).cause, Cause::Open);
-    QCOMPARE(changes.at(0).after, Dtr | Rts);
-    QCOMPARE(changes.at(1).cause, Cause::Write);
-    QCOMPARE(changes.at(2).cause, Cause::Write);
-    QCOMPARE(changes.at(2).after, 0);
+    QVERIFY(port.open(QIODevice::ReadWrite));
     QCOMPARE(pty.lines(), 0);
-
-    // The serial library's defaults: 9600 8N1, no flow control.
+    // The serial library's defaults: 9600 8N1, no flow control; and the tty
+    // hangs up when it closes, however the process ends.
     const termios tio = pty.settings();
     QCOMPARE(cfgetospeed(&tio), speed_t(B9600));
-    QCOMPARE(tio.c_cflag & (CSIZE | PARENB | CSTOPB | CRTSCTS), tcflag_t(CS8));
+    QCOMPARE(tio.c_cflag & (CSIZE | PARENB | CSTOPB | CRTSCTS | HUPCL), tcflag_t(CS8 | HUPCL));
     QCOMPARE(tio.c_iflag & (IXON | IXOFF), tcflag_t(0));
 }
 

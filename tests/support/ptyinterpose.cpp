@@ -18,6 +18,7 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <termios.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <map>
@@ -117,7 +118,9 @@ State &state()
 void record(State &s, int pty, PtyLineState::Cause cause, int after)
 {
     int &current = s.lines[pty];
-    s.log.push_back({pty, cause, current, after});
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    s.log.push_back({pty, cause, current, after, now.tv_sec * 1000000000LL + now.tv_nsec});
     current = after;
 }
 

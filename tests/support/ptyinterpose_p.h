@@ -15,6 +15,7 @@ struct Change
     Cause cause;
     int before;
     int after;
+    long long nanoseconds; // steady clock
 };
 
 // The pty index of a slave descriptor, or -1.

@@ -32,7 +32,8 @@ ModemLines::Change toChange(const PtyLineState::Change &raw)
     static const ModemLines::Cause causes[] = {ModemLines::Cause::Open, ModemLines::Cause::Write,
                                                ModemLines::Cause::HangUp,
                                                ModemLines::Cause::FarEnd};
-    return {portOf(raw.pty), causes[static_cast<int>(raw.cause)], raw.before, raw.after};
+    return {portOf(raw.pty), causes[static_cast<int>(raw.cause)], raw.before, raw.after,
+            raw.nanoseconds};
 }
 
 } // namespace

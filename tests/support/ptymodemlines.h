@@ -77,6 +77,7 @@ struct Change
     Cause cause;
     int before; // line bits before and after
     int after;
+    qint64 nanoseconds; // when, on the monotonic clock
 };
 
 // True when the interposition is in effect (a pty answers TIOCMGET). A test
