@@ -1,15 +1,22 @@
-// Fuzzes the loading of settings from INI text: the options page's keys from
-// the plug-in's own file and from the host's settings object, and (when the
-// controller is built) the key and dial assignments. The input is written as an
-// INI file, opened with QSettings as the plug-in opens "/options.ini", and read.
+// Fuzzes the loading of settings from INI text: the reader of the plug-in's
+// own file format, the options page's keys from the own file and from a
+// settings object of the host, and (when the controller is built) the key and
+// dial assignments through the real "/options.ini" path, saved and loaded
+// again. Both stores are read through the own file's format here: QSettings'
+// own INI reader decodes serialised values, which the host's file is the
+// host's business.
 //
-// Besides "no crash, no leak, no undefined behaviour", every option key whose
-// stored text is a plain number, "true"/"false" or absent is checked against the
-// fallback rules: the own file falls back to the key's default, the host's
-// settings leave the control as it was.
+// Besides "no crash, no leak, no undefined behaviour":
+//  - the reader yields text only, and reading what the writer made of it gives
+//    the same keys and values, which the writer turns into the same bytes;
+//  - every option key whose stored text is a plain number, "true"/"false" or
+//    absent follows the fallback rules: the own file falls back to the key's
+//    default, the host's settings leave the control as it was;
+//  - with the controller, what loads from the input loads again after saving.
 
 #include "plugins/panels/dialix/source/dialixoptions.h"
 #include "plugins/panels/dialix/source/optionkeys.h"
+#include "plugins/panels/dialix/source/optionsfile.h"
 #ifdef DIALIX_FUZZ_CONTROLLER
 #include "plugins/panels/dialix/source/dialixcontrol.h"
 #endif
@@ -17,6 +24,7 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <QApplication>
+#include <QBuffer>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
@@ -43,24 +51,114 @@ DialixControl *control;
 #endif
 quint64 fileNumber = 0;
 
-// QSettings::value(), which throws std::bad_alloc for a serialised value of
-// absurd length; such a value counts as not plain.
 QVariant storedValue(QSettings &settings, const QString &key)
 {
-    try {
-        return settings.value(key);
-    } catch (const std::bad_alloc &) {
-        return QVariant();
-    }
+    return settings.value(key);
 }
 
 bool hasKey(QSettings &settings, const QString &key)
 {
-    try {
-        return settings.contains(key);
-    } catch (const std::bad_alloc &) {
-        return true;
+    return settings.contains(key);
+}
+
+[[noreturn]] void failed(const char *what)
+{
+    std::fprintf(stderr, "%s\n", what);
+    std::abort();
+}
+
+QSettings::SettingsMap parse(const QByteArray &text)
+{
+    QByteArray copy = text;
+    QBuffer buffer(&copy);
+    buffer.open(QIODevice::ReadOnly);
+    QSettings::SettingsMap map;
+    if (!dialix::readOptionsFile(buffer, map))
+        failed("the reader gave up");
+    for (const QVariant &value : qAsConst(map)) {
+        if (value.userType() != QMetaType::QString)
+            failed("the reader made a value that is not text");
     }
+    return map;
+}
+
+QByteArray serialise(const QSettings::SettingsMap &map)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    if (!dialix::writeOptionsFile(buffer, map))
+        failed("the writer failed");
+    return buffer.data();
+}
+
+// True when QSettings' own reader cannot come upon a serialised value: no
+// '@', and no escape that could make one.
+bool nothingToDecode(const QByteArray &input)
+{
+    if (input.contains('@'))
+        return false;
+    for (int i = input.indexOf('\\'); i >= 0 && i + 1 < input.size();
+         i = input.indexOf('\\', i + 2)) {
+        const char next = input.at(i + 1);
+        if (next == 'x' || (next >= '0' && next <= '7'))
+            return false;
+    }
+    return true;
+}
+
+// Where QSettings' own INI reader decodes nothing, both readers read the same
+// keys and texts (a list as its items joined by ", ").
+void compareWithQt(const QByteArray &input, const QSettings::SettingsMap &ours)
+{
+    // A file of its own: QSettings shares what it parsed by file name,
+    // whatever the format.
+    const QString path = workDir->filePath(QStringLiteral("qt%1.ini").arg(++fileNumber));
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly))
+            std::abort();
+        file.write(input);
+    }
+    QSettings qt(path, QSettings::IniFormat);
+    const QStringList all = qt.allKeys();
+    for (const QString &key : all) {
+        // QSettings cannot ask for such a key; the own format names it the
+        // way QSettings asks, and two lines may then name the same key.
+        if (key.isEmpty()
+            || key.split(QLatin1Char('/'), Qt::SkipEmptyParts).join(QLatin1Char('/')) != key) {
+            QFile::remove(path);
+            return;
+        }
+    }
+    const int keys = all.size();
+    for (const QString &key : all) {
+        const QVariant value = qt.value(key);
+        const bool list = value.userType() == QMetaType::QStringList
+            || value.userType() == QMetaType::QVariantList;
+        const QString text =
+            list ? value.toStringList().join(QStringLiteral(", ")) : value.toString();
+        if (!ours.contains(key) || ours.value(key).toString() != text) {
+            std::fprintf(stderr, "key %s: QSettings reads \"%s\", the own format \"%s\"\n",
+                         qUtf8Printable(key), qUtf8Printable(text),
+                         qUtf8Printable(ours.value(key).toString()));
+            std::abort();
+        }
+    }
+    if (keys != ours.size())
+        failed("QSettings and the own format read different keys");
+    QFile::remove(path);
+}
+
+// Read, written, read again: the same keys and texts, written the same way.
+void checkReaderAndWriter(const QByteArray &input)
+{
+    const QSettings::SettingsMap first = parse(input);
+    const QByteArray written = serialise(first);
+    const QSettings::SettingsMap second = parse(written);
+    if (second != first)
+        failed("reading what was written changed the keys or values");
+    if (serialise(second) != written)
+        failed("writing what was read back changed the text");
 }
 
 // The state of one control, as an int (check boxes 0/1, combo boxes their index).
@@ -199,6 +297,12 @@ QList<int> snapshot()
     QList<int> state;
     for (const OptionKey &key : dialix::optionKeys)
         state.append(controlState(key));
+#ifdef DIALIX_FUZZ_CONTROLLER
+    for (int n = 1; n <= 17; ++n)
+        state.append(control->buttonFunction(n));
+    for (int j = 0; j < 4; ++j)
+        state.append(control->dialFunction(j));
+#endif
     return state;
 }
 
@@ -230,8 +334,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray input =
         QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size));
+    checkReaderAndWriter(input);
 #ifdef DIALIX_FUZZ_CONTROLLER
-    // The real loading path: "/options.ini" beside the executable.
+    // The real loading path: "/options.ini" beside the executable. Saving and
+    // loading again changes nothing.
     {
         QFile file(DialixControl::optionsFilePath());
         if (!file.open(QIODevice::WriteOnly))
@@ -239,11 +345,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         file.write(input);
     }
     control->loadOptions();
-    // A value in QSettings' serialised form makes Qt run QDataStream on it; the
-    // loading path above leaves such lines out, the direct reads below cannot
-    // (and the host's settings object is the host's own business).
-    if (input.contains("@Variant("))
-        return 0;
+    const QList<int> loaded = snapshot();
+    control->saveOptions();
+    control->loadOptions();
+    if (snapshot() != loaded)
+        failed("saving and loading again changed what was loaded");
 #endif
     // A new file name each time: QSettings caches parsed files by name and
     // modification time, which a rewrite within the same millisecond defeats.
@@ -255,7 +361,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         file.write(input);
     }
     {
-        QSettings settings(path, QSettings::IniFormat);
+        QSettings settings(path, dialix::optionsFileFormat());
 #ifdef DIALIX_FUZZ_CONTROLLER
         // The controller opens its group and lets the page read the sub-group.
         control->readAssignments(settings);
@@ -281,6 +387,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         settings.endGroup();
 #endif
     }
+    if (nothingToDecode(input))
+        compareWithQt(input, parse(input));
     QFile::remove(path);
     return 0;
 }

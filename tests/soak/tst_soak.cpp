@@ -155,6 +155,7 @@ private slots:
     void brokenOptionsFile_data();
     void brokenOptionsFile();
     void readOnlyApplicationDirectory();
+    void optionsFileChangesWhileRead();
 };
 
 DialixAbstract *SoakTest::load()
@@ -428,6 +429,12 @@ void SoakTest::brokenOptionsFile_data()
                "W0RpYWxpeDFdLQr/9/RIAGU9QFZhcmlhbnQoXDBcMFwwXHhiN2wpMqSjz6PPwykKT3B0aW9ucw==")
             + "\nFunctionButton0=1\n"
         << false << "BU" << false;
+    // Escaped, the serialised value passes for text until QSettings' own reader
+    // unescapes and decodes it: a crash inside QSettings::value().
+    QTest::newRow("escaped serialised value")
+        << QByteArray("[Dialix1]\nFunctionButton0=@Var\\x69\\x61nt(\\0\\0\\0G\\x7f\\xff\\xff"
+                      "\\xff)\nFunctionButton1=1\nOptions\\Enable=true\n")
+        << false << "NO" << true;
     QTest::newRow("one huge line") << QByteArray("[Dialix1]\nFunctionButton0=")
             + QByteArray(1 << 20, '7') + "\nOptions\\Enable=true\n"
                                    << false << "NO" << true;
@@ -501,6 +508,40 @@ void SoakTest::readOnlyApplicationDirectory()
     QFile f(optionsPath());
     QVERIFY(f.open(QIODevice::ReadOnly));
     QCOMPARE(f.readAll(), original);
+}
+
+// Another program rewrites "/options.ini" over and over (truncating it first)
+// while the plug-in loads it, saves it on device changes and goes: every load
+// sees some prefix of some version and falls back for the rest.
+void SoakTest::optionsFileChangesWhileRead()
+{
+    const QList<QByteArray> versions = {cleanOptions(), QByteArray(), "[Dialix1]\nFunction",
+                                        QByteArray(3000, '\xff'), cleanOptions().repeated(50)};
+    std::atomic<bool> stop {false};
+    std::thread writer([&] {
+        for (int i = 0; !stop; ++i) {
+            QFile f(optionsPath());
+            if (f.open(QIODevice::WriteOnly)) {
+                const QByteArray &text = versions.at(i % versions.size());
+                for (int at = 0; at < text.size(); at += 512)
+                    f.write(text.mid(at, 512));
+            }
+        }
+    });
+    vp::plug(QStringLiteral("SOAK0001"));
+    const int rounds = qMax(5, int(100 * soakScale()));
+    for (int i = 0; i < rounds; ++i) {
+        QVERIFY(load());
+        plugin->readSettings(hostSettings.get());
+        const int extra = vp::plug(QStringLiteral("SOAK0002"));
+        deviceChanged();
+        vp::unplug(extra);
+        deviceChanged();
+        QCOMPARE(tabs()->count(), 1);
+        unload();
+    }
+    stop = true;
+    writer.join();
 }
 
 QTEST_MAIN(SoakTest)

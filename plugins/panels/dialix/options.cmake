@@ -31,6 +31,8 @@ add_library(dialix_options STATIC
     ${DIALIX_OPTIONS_DIR}/dialixoptions.ui
     ${DIALIX_OPTIONS_DIR}/optionkeys.h
     ${DIALIX_OPTIONS_DIR}/optionkeys.cpp
+    ${DIALIX_OPTIONS_DIR}/optionsfile.h
+    ${DIALIX_OPTIONS_DIR}/optionsfile.cpp
     ${DIALIX_OPTIONS_DIR}/functiontable.h
     ${DIALIX_OPTIONS_DIR}/functiontable.cpp
     ${DIALIX_OPTIONS_DIR}/dialixtranslation.h

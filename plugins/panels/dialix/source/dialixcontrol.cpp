@@ -7,6 +7,7 @@
 #include "interfaces/devicemanagerabstract.h"
 #include "interfaces/dialixlogging.h"
 #include "plugins/panels/dialix/source/dialixoptions.h"
+#include "plugins/panels/dialix/source/optionsfile.h"
 #include "serial/serialportabstract.h"
 
 #include <QAction>
@@ -15,13 +16,10 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDial>
-#include <QFile>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QSettings>
-#include <QTemporaryFile>
 #include <QThread>
 
 #include <algorithm>
@@ -76,29 +74,6 @@ void loadGuarded(QSettings &settings, const char *where, Load load)
         for (int depth = 0; depth < 8 && settings.group() != group; ++depth)
             settings.endGroup();
     }
-}
-
-// The own file holds numbers, booleans and a port name; the plug-in never
-// writes a value in QSettings' serialised form ("@Variant(...)"). Qt decodes
-// such a value with QDataStream as soon as the file is read or rewritten, and a
-// damaged one can make Qt dereference a failed allocation: a crash that no
-// handler can stop. Returns the file's text without those lines (continued
-// lines joined first), or a null array when the file has none.
-QByteArray withoutSerialisedValues(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QByteArray text = file.readAll();
-    if (!text.contains("@Variant("))
-        return {};
-    text.replace("\\\r\n", "").replace("\\\n", "");
-    QByteArray clean;
-    for (const QByteArray &line : text.split('\n')) {
-        if (!line.contains("@Variant("))
-            clean += line + '\n';
-    }
-    return clean;
 }
 
 } // namespace
@@ -1452,32 +1427,31 @@ QString DialixControl::optionsFilePath()
     return QCoreApplication::applicationDirPath() + QStringLiteral("/options.ini");
 }
 
+// The own file is read with a format that never decodes a serialised value
+// (see optionsfile.h): a damaged file loads what it can and falls back for the
+// rest, and the next save writes it clean.
 void DialixControl::saveOptions()
 {
-    // Lines the plug-in cannot have written go before QSettings rewrites the file.
-    const QByteArray clean = withoutSerialisedValues(optionsFilePath());
-    if (!clean.isNull()) {
-        QSaveFile file(optionsFilePath());
-        if (!file.open(QIODevice::WriteOnly) || file.write(clean) != clean.size() || !file.commit())
-            return; // the damaged file stays; file errors are not reported
-    }
-    QSettings settings(optionsFilePath(), QSettings::IniFormat);
+    QSettings settings(optionsFilePath(), dialix::optionsFileFormat());
     writeAssignments(settings);
+    settings.sync();
+    // Where the application's directory cannot be written (an installed host
+    // on Linux), the file is not saved; the host's own settings still keep the
+    // assignments. Said once, and once more if saving works again.
+    static bool failing = false;
+    if ((settings.status() == QSettings::AccessError) == failing)
+        return;
+    failing = !failing;
+    if (failing)
+        qDebug("%s: cannot write %s; the host's settings keep the assignments", Q_FUNC_INFO,
+               qUtf8Printable(optionsFilePath()));
+    else
+        qDebug("%s: %s is written again", Q_FUNC_INFO, qUtf8Printable(optionsFilePath()));
 }
 
 void DialixControl::loadOptions()
 {
-    const QByteArray clean = withoutSerialisedValues(optionsFilePath());
-    if (clean.isNull()) {
-        QSettings settings(optionsFilePath(), QSettings::IniFormat);
-        readAssignments(settings);
-        return;
-    }
-    // Read from a cleaned copy; the file itself is cleaned by the next save.
-    QTemporaryFile copy;
-    if (!copy.open() || copy.write(clean) != clean.size() || !copy.flush())
-        return;
-    QSettings settings(copy.fileName(), QSettings::IniFormat);
+    QSettings settings(optionsFilePath(), dialix::optionsFileFormat());
     readAssignments(settings);
 }
 
