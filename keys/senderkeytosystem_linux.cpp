@@ -56,36 +56,49 @@ int SenderKeyToSystemLinux::uinputDescriptor() const
     return m_keyboard ? m_fd : -1;
 }
 
+// Tried again for every key until it works (the module may be loaded or the
+// access granted later); one debug line when it starts failing, one when it
+// works again.
 bool SenderKeyToSystemLinux::createKeyboard()
 {
-    if (m_tried)
-        return m_keyboard != nullptr;
-    m_tried = true;
+    if (m_keyboard)
+        return true;
 
     const QByteArray path = QFile::encodeName(m_uinputPath);
+    QString error;
     const int fd = ::open(path.constData(), O_RDWR | O_CLOEXEC);
     if (fd < 0) {
-        qCDebug(dialixLog, "%s cannot open %s: %s", Q_FUNC_INFO, path.constData(), strerror(errno));
-        return false;
+        error = QStringLiteral("cannot open %1: %2")
+                    .arg(QString::fromLocal8Bit(path), QString::fromLocal8Bit(strerror(errno)));
+    } else {
+        libevdev *device = libevdev_new();
+        libevdev_set_name(device, "Dialix virtual keyboard");
+        libevdev_set_id_bustype(device, BUS_VIRTUAL);
+        libevdev_enable_event_type(device, EV_KEY);
+        for (unsigned int code = KEY_ESC; code < BTN_MISC; ++code)
+            libevdev_enable_event_code(device, EV_KEY, code, nullptr);
+        const int rc = libevdev_uinput_create_from_device(device, fd, &m_keyboard);
+        libevdev_free(device);
+        if (rc < 0) {
+            error = QStringLiteral("cannot create a virtual keyboard on %1: %2")
+                        .arg(QString::fromLocal8Bit(path), QString::fromLocal8Bit(strerror(-rc)));
+            m_keyboard = nullptr;
+            ::close(fd);
+        } else {
+            m_fd = fd;
+        }
     }
-
-    libevdev *device = libevdev_new();
-    libevdev_set_name(device, "Dialix virtual keyboard");
-    libevdev_set_id_bustype(device, BUS_VIRTUAL);
-    libevdev_enable_event_type(device, EV_KEY);
-    for (unsigned int code = KEY_ESC; code < BTN_MISC; ++code)
-        libevdev_enable_event_code(device, EV_KEY, code, nullptr);
-    const int rc = libevdev_uinput_create_from_device(device, fd, &m_keyboard);
-    libevdev_free(device);
-    if (rc < 0) {
-        qCDebug(dialixLog, "%s cannot create a virtual keyboard on %s: %s", Q_FUNC_INFO,
-                path.constData(), strerror(-rc));
-        m_keyboard = nullptr;
-        ::close(fd);
-        return false;
+    if (m_keyboard) {
+        if (m_failing)
+            qCDebug(dialixLog, "%s: the virtual keyboard on %s works now", Q_FUNC_INFO,
+                    path.constData());
+        m_failing = false;
+        return true;
     }
-    m_fd = fd;
-    return true;
+    if (!m_failing)
+        qCDebug(dialixLog, "%s %s", Q_FUNC_INFO, qUtf8Printable(error));
+    m_failing = true;
+    return false;
 }
 
 std::unique_ptr<SenderKeyToSystemPlatform> createSenderKeyToSystemPlatform()

@@ -19,9 +19,9 @@ struct libevdev_uinput;
 // single release reaches the device but usually has no visible effect. The
 // one-event contract of SenderKeyToSystem is kept all the same.
 //
-// /dev/uinput is normally root-only. When it cannot be opened (or the
-// keyboard cannot be created), one debug line says so and every key is
-// dropped from then on.
+// /dev/uinput is normally root-only. While it cannot be opened (or the
+// keyboard cannot be created), keys are dropped and every key tries again;
+// one debug line says when this starts and one when the keyboard is made.
 class SenderKeyToSystemLinux : public SenderKeyToSystemPlatform
 {
     Q_OBJECT
@@ -45,7 +45,7 @@ private:
 
     mutable std::mutex m_mutex;
     QString m_uinputPath;
-    bool m_tried = false;
+    bool m_failing = false;
     int m_fd = -1;
     libevdev_uinput *m_keyboard = nullptr;
 };
