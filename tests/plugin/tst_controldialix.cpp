@@ -273,19 +273,24 @@ void tst_ControlDialix::deviceChangedCommandAddsAndRemovesAtTheEnd()
 
 void tst_ControlDialix::notificationsInsideACycleRunAfterIt_data()
 {
+    QTest::addColumn<bool>("untick"); // the second tab closes its own panel, not a cycle
     QTest::addColumn<QString>("inside");
     QTest::addColumn<int>("handles"); // open handles once everything has run
-    QTest::newRow("[109], a panel unplugged") << "109" << 1;
-    QTest::newRow("closeDevices()") << "close" << 0;
-    QTest::newRow("updateDevices()") << "update" << 1;
-    QTest::newRow("root deleted") << "delete" << 0;
+    QTest::newRow("[109], a panel unplugged") << false << "109" << 1;
+    QTest::newRow("closeDevices()") << false << "close" << 0;
+    QTest::newRow("updateDevices()") << false << "update" << 1;
+    QTest::newRow("root deleted") << false << "delete" << 0;
+    QTest::newRow("Enable unticked, [109]: its tab goes") << true << "109" << 1;
+    QTest::newRow("Enable unticked, root deleted") << true << "delete" << 0;
 }
 
-// closeDevice() lets events run for 10 ms while a cycle walks the controllers.
-// A notification that arrives then waits until the cycle has ended and then
-// runs its own whole cycle; the host may even delete the root meanwhile.
+// closeDevice() lets events run for 10 ms while a cycle walks the controllers
+// (or while a controller closes its panel). A notification that arrives then
+// waits until that has ended and then runs its own whole cycle; the host may
+// even delete the root meanwhile.
 void tst_ControlDialix::notificationsInsideACycleRunAfterIt()
 {
+    QFETCH(bool, untick);
     QFETCH(QString, inside);
     QFETCH(int, handles);
     const int first = VirtualPanel::plug(QStringLiteral("DLX0001"));
@@ -313,10 +318,13 @@ void tst_ControlDialix::notificationsInsideACycleRunAfterIt()
         if (root)
             QCOMPARE(VirtualPanel::enumerations(), enumerationsInside);
     });
-    root->setCommand(QVariantList {109});
+    if (untick)
+        page(1)->findChild<QCheckBox *>(QStringLiteral("chbEnable"))->setChecked(false);
+    else
+        root->setCommand(QVariantList {109});
     QVERIFY(ranInside);
     if (root)
-        QCOMPARE(tabTitles(), QStringList {"Dialix 1"});
+        QTRY_COMPARE_WITH_TIMEOUT(tabTitles(), QStringList {"Dialix 1"}, Timeout);
     QTRY_COMPARE_WITH_TIMEOUT(VirtualPanel::openHandles(), handles, Timeout);
 }
 

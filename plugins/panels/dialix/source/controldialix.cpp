@@ -35,6 +35,17 @@ QByteArray hotplugSubsystem()
     return chosen.isEmpty() ? QByteArrayLiteral("hidraw") : chosen;
 }
 
+// Keeps a controller whose panel is closing right now, further up this
+// thread's stack (the host deleted the root from inside that), until the
+// close has returned.
+void keepWhileClosing(std::shared_ptr<DialixControl> controller)
+{
+    if (!controller->panel().isClosing())
+        return;
+    QTimer::singleShot(Dialix::CloseWaitMs, QCoreApplication::instance(),
+                       [controller] { keepWhileClosing(controller); });
+}
+
 // The page is gone when the host has deleted the tab widget that held it.
 bool enabled(const DialixControl &controller)
 {
@@ -105,6 +116,8 @@ ControlDialix::~ControlDialix()
     watcher = nullptr;
     Controllers doomed;
     doomed.swap(controllers);
+    for (const auto &controller : qAsConst(doomed))
+        keepWhileClosing(controller);
     doomed.clear();
     // The tab widget belongs to the host once addWidget() ran; before that
     // nobody else knows it.
@@ -239,8 +252,22 @@ void ControlDialix::runCycle(Cycle cycle)
     if (destroying)
         return;
     pendingCycles.append(cycle);
-    if (cycleRunning)
-        return; // runs once the cycle under way has ended
+    runPendingCycles();
+}
+
+void ControlDialix::runPendingCycles()
+{
+    if (cycleRunning || destroying || pendingCycles.isEmpty())
+        return; // the cycle under way runs them when it has ended
+    for (const auto &controller : qAsConst(controllers)) {
+        if (controller->panel().isClosing()) {
+            // The controller closes its panel by itself (its "Enable" box was
+            // unticked) and serves events meanwhile: a cycle now could remove
+            // it under its feet. Look again when it has had its 10 ms.
+            QTimer::singleShot(Dialix::CloseWaitMs, this, &ControlDialix::runPendingCycles);
+            return;
+        }
+    }
     cycleRunning = true;
     while (!pendingCycles.isEmpty()) {
         if (!runOne(pendingCycles.takeFirst()))
@@ -266,7 +293,7 @@ bool ControlDialix::runOne(Cycle cycle)
 
 // Close every panel of `list`. The list is a copy: it keeps each controller
 // alive while its panel closes, whatever the events served meanwhile do.
-bool ControlDialix::closePanels(const Controllers &list)
+bool ControlDialix::closePanels(Controllers list)
 {
     QPointer<ControlDialix> self(this);
     for (const auto &controller : list) {

@@ -64,16 +64,18 @@ private slots:
 private:
     // The panel cycles: device change, re-opening, closing, and the deferred
     // start after readSettings(). Closing a panel serves events for 10 ms, so a
-    // cycle can be asked for while another one runs; it then waits until the
-    // running one has ended and runs in full afterwards, one cycle per request.
+    // cycle can be asked for while another one runs, or while a controller
+    // closes its own panel; it then waits until that has ended and runs in
+    // full afterwards, one cycle per request.
     enum class Cycle { DeviceChanged, UpdateDevices, CloseDevices, DeferredStart };
     using Controllers = QList<std::shared_ptr<DialixControl>>;
     void runCycle(Cycle cycle);
+    void runPendingCycles();
     // Each returns false when the host deleted the root meanwhile.
     bool runOne(Cycle cycle);
     bool changeDevices();
     bool reopenPanels();
-    bool closePanels(const Controllers &list);
+    bool closePanels(Controllers list);
     bool deferredStart();
 
     int deviceCount();

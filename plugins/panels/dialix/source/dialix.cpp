@@ -109,7 +109,9 @@ qint32 Dialix::closeDevice()
     timer.setSingleShot(true);
     QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
     timer.start(CloseWaitMs);
+    ++closing;
     loop.exec();
+    --closing;
 
     // An event handled in the loop above may have closed the panel already.
     // The flag changes under the queue's lock, so that a reader waiting in

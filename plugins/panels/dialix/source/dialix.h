@@ -131,6 +131,8 @@ public:
 
     // True from a successful openDevice() until closeDevice().
     bool isOpen() const { return running.load(); }
+    // True while closeDevice() serves events for the LED reports.
+    bool isClosing() const { return closing.load() > 0; }
     // The panels found by the last findDevices(), in hidapi's order.
     const QList<hid_device_info *> &devices() const { return deviceList; }
     // Head of the last enumeration's linked list (null when nothing was found).
@@ -157,6 +159,7 @@ private:
     hid_device_info *deviceInfo = nullptr;
     hid_device *handle = nullptr;
     std::atomic<bool> running {false};
+    std::atomic<int> closing {0};
     quint32 previousSwitches = 0;
     bool readsFailing = false; // reader thread only
     unsigned char inputBuffer[dialix::protocol::ReportSize] = {};

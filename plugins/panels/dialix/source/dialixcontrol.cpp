@@ -332,8 +332,7 @@ void DialixControl::restore()
 void DialixControl::setRetry(bool on)
 {
     if (QThread::currentThread() != thread()) {
-        QMetaObject::invokeMethod(
-            this, [this, on] { setRetry(on); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(&retryTimer, on ? "start" : "stop", Qt::QueuedConnection);
         return;
     }
     if (on)
