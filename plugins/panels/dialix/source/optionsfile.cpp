@@ -409,6 +409,11 @@ bool readOptionsFile(QIODevice &device, QSettings::SettingsMap &map)
 {
     const QByteArray data = device.readAll();
     const bool utf8 = data.startsWith("\xEF\xBB\xBF");
+    // The keys of each section in the order of the file; QSettings takes the
+    // sections in the order of their names, so that of two sections naming the
+    // same key (as "[a/b]" and "[a]" with "b\\c") the later name wins.
+    QMap<QString, QList<QPair<QString, QString>>> sections;
+    QList<QPair<QString, QString>> *keys = &sections[QString()];
     QString section;
     Line line;
     // After a byte-order mark QSettings reads the text as UTF-8, and skips the
@@ -428,12 +433,11 @@ bool readOptionsFile(QIODevice &device, QSettings::SettingsMap &map)
                 ++close;
             const QByteArray name = data.mid(line.start + 1, close - line.start - 1).trimmed();
             section.clear();
-            if (qstricmp(name.constData(), "general") == 0)
-                continue;
             if (qstricmp(name.constData(), "%general") == 0)
                 section = QStringLiteral("General/");
-            else
+            else if (qstricmp(name.constData(), "general") != 0)
                 section = unescapeName(name, 0, name.size()) + QLatin1Char('/');
+            keys = &sections[section];
             continue;
         }
         if (line.equals < 0)
@@ -441,9 +445,15 @@ bool readOptionsFile(QIODevice &device, QSettings::SettingsMap &map)
         int keyEnd = line.equals;
         while (keyEnd > line.start && (data.at(keyEnd - 1) == ' ' || data.at(keyEnd - 1) == '\t'))
             --keyEnd;
-        const QString key = normalisedKey(section + unescapeName(data, line.start, keyEnd));
-        if (!key.isEmpty())
-            map.insert(key, plainValue(unescapeValue(data, line.equals + 1, end, utf8)));
+        keys->append({section + unescapeName(data, line.start, keyEnd),
+                      plainValue(unescapeValue(data, line.equals + 1, end, utf8))});
+    }
+    for (const auto &entries : qAsConst(sections)) {
+        for (const auto &entry : entries) {
+            const QString key = normalisedKey(entry.first);
+            if (!key.isEmpty())
+                map.insert(key, entry.second);
+        }
     }
     return true; // whatever could be read is loaded
 }
