@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QActionGroup>
 #include <QApplication>
+#include <QDir>
 #include <QMenu>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -512,6 +513,24 @@ private slots:
         QCOMPARE(ctrl.buttonFunction(3), 28);
         QCOMPARE(ctrl.optionsWidget()->findChild<QPushButton *>("pbFunc3")->toolTip(),
                  "Power On/Off");
+
+        // A file that cannot be written (here a folder of its name; running as
+        // root, permissions would not stop it) is said once, and once more
+        // when saving works again.
+        static QStringList lines;
+        lines.clear();
+        const QtMessageHandler previous = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext &, const QString &text) { lines << text; });
+        QVERIFY(QDir().mkdir(path));
+        ctrl.saveOptions();
+        ctrl.saveOptions();
+        QVERIFY(QDir().rmdir(path));
+        ctrl.saveOptions();
+        ctrl.saveOptions();
+        qInstallMessageHandler(previous);
+        QFile::remove(path);
+        QCOMPARE(lines.filter("cannot write").size(), 1);
+        QCOMPARE(lines.filter("written again").size(), 1);
     }
 };
 

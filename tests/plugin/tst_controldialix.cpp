@@ -276,38 +276,54 @@ void tst_ControlDialix::notificationsInsideACycleRunAfterIt_data()
     QTest::addColumn<bool>("untick"); // the second tab closes its own panel, not a cycle
     QTest::addColumn<QString>("inside");
     QTest::addColumn<int>("handles"); // open handles once everything has run
-    QTest::newRow("[109], a panel unplugged") << false << "109" << 1;
-    QTest::newRow("closeDevices()") << false << "close" << 0;
-    QTest::newRow("updateDevices()") << false << "update" << 1;
-    QTest::newRow("root deleted") << false << "delete" << 0;
-    QTest::newRow("Enable unticked, [109]: its tab goes") << true << "109" << 1;
-    QTest::newRow("Enable unticked, root deleted") << true << "delete" << 0;
+    // Enumerations: one per device change and one per panel that opens.
+    QTest::addColumn<int>("enumerations");
+    QTest::newRow("[109], a panel unplugged") << false << "109" << 1 << 4;
+    QTest::newRow("udev: a device added and removed") << false << "udev" << 1 << 6;
+    QTest::newRow("closeDevices()") << false << "close" << 0 << 2;
+    QTest::newRow("updateDevices()") << false << "update" << 1 << 3;
+    QTest::newRow("root deleted") << false << "delete" << 0 << 0;
+    QTest::newRow("Enable unticked, [109]: its tab goes") << true << "109" << 1 << 2;
+    QTest::newRow("Enable unticked, root deleted") << true << "delete" << 0 << 0;
 }
 
 // closeDevice() lets events run for 10 ms while a cycle walks the controllers
 // (or while a controller closes its panel). A notification that arrives then
-// waits until that has ended and then runs its own whole cycle; the host may
-// even delete the root meanwhile.
+// waits until that has ended and then runs its own whole cycle, one per
+// notification; the host may even delete the root meanwhile.
 void tst_ControlDialix::notificationsInsideACycleRunAfterIt()
 {
     QFETCH(bool, untick);
     QFETCH(QString, inside);
     QFETCH(int, handles);
+    QFETCH(int, enumerations);
+    const QString tun = QStringLiteral("dlxc%1").arg(QCoreApplication::applicationPid() % 100000);
+    if (inside == QLatin1String("udev")) {
+        if (geteuid() != 0 || !ip({"tuntap", "add", "dev", tun, "mode", "tun"}))
+            QSKIP("adding a tun interface needs root and the ip tool");
+        QVERIFY(ip({"tuntap", "del", "dev", tun, "mode", "tun"}));
+        qputenv("DIALIX_HOTPLUG_SUBSYSTEM", "net"); // a device this test can add
+    }
     const int first = VirtualPanel::plug(QStringLiteral("DLX0001"));
     const int second = VirtualPanel::plug(QStringLiteral("DLX0002"));
-    QVERIFY(load());
+    const bool loaded = load();
+    qunsetenv("DIALIX_HOTPLUG_SUBSYSTEM");
+    QVERIFY(loaded);
     enable(0);
     enable(1);
     QTRY_COMPARE_WITH_TIMEOUT(VirtualPanel::openHandles(first), 2, Timeout);
     VirtualPanel::unplug(second);
 
     bool ranInside = false;
-    int enumerationsInside = -1;
+    const int start = VirtualPanel::enumerations();
     QTimer::singleShot(0, [&] {
         ranInside = true;
-        enumerationsInside = VirtualPanel::enumerations();
+        const int before = VirtualPanel::enumerations();
         if (inside == QLatin1String("109"))
             root->setCommand(QVariantList {109});
+        else if (inside == QLatin1String("udev"))
+            ip({"tuntap", "add", "dev", tun, "mode", "tun"})
+                && ip({"tuntap", "del", "dev", tun, "mode", "tun"});
         else if (inside == QLatin1String("close"))
             root->closeDevices();
         else if (inside == QLatin1String("update"))
@@ -316,7 +332,7 @@ void tst_ControlDialix::notificationsInsideACycleRunAfterIt()
             delete root.data();
         // Nothing of it has run yet.
         if (root)
-            QCOMPARE(VirtualPanel::enumerations(), enumerationsInside);
+            QCOMPARE(VirtualPanel::enumerations(), before);
     });
     if (untick)
         page(1)->findChild<QCheckBox *>(QStringLiteral("chbEnable"))->setChecked(false);
@@ -326,6 +342,7 @@ void tst_ControlDialix::notificationsInsideACycleRunAfterIt()
     if (root)
         QTRY_COMPARE_WITH_TIMEOUT(tabTitles(), QStringList {"Dialix 1"}, Timeout);
     QTRY_COMPARE_WITH_TIMEOUT(VirtualPanel::openHandles(), handles, Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(VirtualPanel::enumerations() - start, enumerations, Timeout);
 }
 
 void tst_ControlDialix::heldPttThroughRootCycles_data()
