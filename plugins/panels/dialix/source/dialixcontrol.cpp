@@ -58,10 +58,11 @@ QPushButton *buttonAt(const QList<QPointer<QPushButton>> &buttons, int i)
 // Serial-port lines that PTT raises.
 enum SerialLine { LineDtr = 1, LineRts = 2 };
 
-// Runs one load of stored settings. A damaged file can hold a serialised value
-// ("@Variant(...)") whose length field makes Qt allocate without limit, and
-// QSettings::value() then throws std::bad_alloc; nothing may throw into the
-// host. What was read before stays, the rest keeps its state, and the settings
+// Runs one load of stored settings. The host's settings object decodes
+// serialised values (the own file's format never does): a damaged one
+// ("@Variant(...)") can have a length field that makes Qt allocate without
+// limit, and QSettings::value() then throws std::bad_alloc; nothing may throw
+// into the host. What was read before stays, the rest keeps its state, and the settings
 // object is left in the group it was in.
 template<typename Load>
 void loadGuarded(QSettings &settings, const char *where, Load load)
