@@ -149,15 +149,33 @@ void compareWithQt(const QByteArray &input, const QSettings::SettingsMap &ours)
     QFile::remove(path);
 }
 
-// Read, written, read again: the same keys and texts, written the same way.
+// QSettings' INI form spells a first group named "general" in any case as
+// "[%General]", which reads back as "General": the one name that a round trip
+// changes.
+QSettings::SettingsMap withGeneralSpelt(const QSettings::SettingsMap &map)
+{
+    QSettings::SettingsMap spelt;
+    for (auto it = map.constBegin(); it != map.constEnd(); ++it) {
+        QString key = it.key();
+        const int slash = key.indexOf(QLatin1Char('/'));
+        if (slash > 0
+            && key.leftRef(slash).compare(QLatin1String("general"), Qt::CaseInsensitive) == 0)
+            key.replace(0, slash, QStringLiteral("General"));
+        spelt.insert(key, it.value());
+    }
+    return spelt;
+}
+
+// Read, written, read again: the same keys and texts; written again and read
+// again, the same text.
 void checkReaderAndWriter(const QByteArray &input)
 {
     const QSettings::SettingsMap first = parse(input);
-    const QByteArray written = serialise(first);
-    const QSettings::SettingsMap second = parse(written);
-    if (second != first)
+    const QSettings::SettingsMap second = parse(serialise(first));
+    if (second != withGeneralSpelt(first))
         failed("reading what was written changed the keys or values");
-    if (serialise(second) != written)
+    const QByteArray written = serialise(second);
+    if (parse(written) != second || serialise(parse(written)) != written)
         failed("writing what was read back changed the text");
 }
 
