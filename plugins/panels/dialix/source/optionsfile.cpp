@@ -434,7 +434,7 @@ bool readOptionsFile(QIODevice &device, QSettings::SettingsMap &map)
             const QByteArray name = data.mid(line.start + 1, close - line.start - 1).trimmed();
             section.clear();
             if (qstricmp(name.constData(), "%general") == 0)
-                section = QStringLiteral("General/");
+                section = QString::fromLatin1(name.mid(1)) + QLatin1Char('/');
             else if (qstricmp(name.constData(), "general") != 0)
                 section = unescapeName(name, 0, name.size()) + QLatin1Char('/');
             keys = &sections[section];
