@@ -1,10 +1,11 @@
 #pragma once
 
-class QSerialPort;
-
 // What the serial ports need of the system beyond QSerialPort, for ports whose
 // DTR and RTS lines key a transmitter. One implementation per platform
-// (seriallines_unix.cpp, seriallines_win.cpp).
+// (seriallines_linux.cpp, seriallines_win.cpp).
+
+class QSerialPort;
+
 namespace seriallines {
 
 // Drops DTR and RTS of the open port at once, both in one request where the

@@ -1,3 +1,5 @@
+// DTR and RTS of an open port on Windows.
+
 #include "serial/seriallines.h"
 
 #include <QSerialPort>

@@ -55,6 +55,7 @@ QPushButton *buttonAt(const QList<QPointer<QPushButton>> &buttons, int i)
 {
     return i >= 0 && i < buttons.size() ? buttons.at(i).data() : nullptr;
 }
+
 // Serial-port lines that PTT raises.
 enum SerialLine { LineDtr = 1, LineRts = 2 };
 

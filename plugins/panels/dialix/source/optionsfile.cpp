@@ -1,3 +1,6 @@
+// The options file's own QSettings format: INI text read without decoding
+// serialised values, written as QSettings writes it.
+
 #include "plugins/panels/dialix/source/optionsfile.h"
 
 #include <QIODevice>

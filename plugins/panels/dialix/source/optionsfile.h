@@ -1,5 +1,4 @@
-#ifndef DIALIX_OPTIONSFILE_H
-#define DIALIX_OPTIONSFILE_H
+#pragma once
 
 // The format of the plug-in's own file "/options.ini".
 //
@@ -40,5 +39,3 @@ bool readOptionsFile(QIODevice &device, QSettings::SettingsMap &map);
 bool writeOptionsFile(QIODevice &device, const QSettings::SettingsMap &map);
 
 } // namespace dialix
-
-#endif // DIALIX_OPTIONSFILE_H

@@ -1,3 +1,6 @@
+// DTR and RTS of an open port on Linux: both dropped in one request, and
+// dropped by the kernel when the port closes.
+
 #include "serial/seriallines.h"
 
 #include <QSerialPort>
