@@ -12,7 +12,9 @@
 # Environment: DIALIX_RIG_CACHE (downloads and the unpacked kernel; default
 # .cache/kernelrig), DIALIX_RIG_TIMEOUT (seconds for the guest; default 480),
 # DIALIX_RIG_ONLY (space-separated scenario groups to run: probe session
-# hotplug two serial keys). Everything it writes stays in the cache and in
+# hotplug two serial keys), DIALIX_RIG_OPEN_BOUND_US and DIALIX_RIG_STRICT_OPEN
+# (how long the PTT lines may be up when the port opens: serial-figures.sh).
+# Everything it writes stays in the cache and in
 # BUILD_DIR/kernelrig; nothing of this machine is touched but packages
 # (qemu-system-x86 is installed when missing).
 set -euo pipefail

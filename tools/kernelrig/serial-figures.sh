@@ -6,8 +6,11 @@
 # in its log ("RIG-MARK 0xa1 ptt-press"). Prints per phase and line how often
 # the line rose, how long it was high in all and its state at the phase's end,
 # then one RIG verdict per phase:
-#   start         the host starts and opens the port: reported, not judged
-#                 (DIALIX_RIG_STRICT_OPEN=1 fails it when a line rose)
+#   start         the host starts and opens the port: Linux raises both lines
+#                 when a tty opens, and the plug-in drops them at once; each
+#                 line may rise once, for at most DIALIX_RIG_OPEN_BOUND_US in
+#                 all (default 50000: the emulated guest is slow), and is low
+#                 at the end (DIALIX_RIG_STRICT_OPEN=1: no rise at all)
 #   ptt-press     both lines high at the end
 #   ptt-release   both lines low at the end, neither rose
 #   idle, hotplug, exit   neither line rose, both low at the end
@@ -17,7 +20,7 @@ set -euo pipefail
 log=$1
 trace=$2
 grep -q '^RIG-MARK' "$log" || exit 0
-awk -v strict="${DIALIX_RIG_STRICT_OPEN:-0}" '
+awk -v strict="${DIALIX_RIG_STRICT_OPEN:-0}" -v bound="${DIALIX_RIG_OPEN_BOUND_US:-50000}" '
 FNR == NR { if ($1 == "RIG-MARK") { name[tolower($2)] = $3; order[++marks] = tolower($2) } next }
 /serial_write/ {
     split($1, t, "[@:]"); now = t[2] + 0
@@ -58,7 +61,10 @@ END {
         p = name[order[i]]
         if (p == "end" || !(p in seen)) continue
         rose = rises[p, 0] + rises[p, 1]
-        if (p == "start") verdict(p, !(strict && rose))
+        if (p == "start")
+            verdict(p, !(strict && rose) && rises[p, 0] <= 1 && rises[p, 1] <= 1 \
+                && time[p, 0] * 1e6 <= bound && time[p, 1] * 1e6 <= bound \
+                && !endstate[p, 0] && !endstate[p, 1])
         else if (p == "ptt-press") verdict(p, endstate[p, 0] && endstate[p, 1])
         else verdict(p, !rose && !endstate[p, 0] && !endstate[p, 1])
     }
