@@ -90,6 +90,24 @@ void tst_SenderKeyToSystemLinux::releaseReachesTheVirtualKeyboard()
                                         "keyboard cannot be created")
                              .arg(QString::fromLocal8Bit(strerror(errno)))));
 
+    // A device that appears later is taken at the next key: one line while it
+    // is missing, one when it works.
+    {
+        QTemporaryDir dir;
+        const QString link = dir.filePath(QStringLiteral("uinput"));
+        SenderKeyToSystemLinux late(link);
+        s_debug.clear();
+        const QtMessageHandler previous = qInstallMessageHandler(collectDebug);
+        late.sendKeyUp(key5());
+        late.sendKeyUp(key5());
+        QVERIFY(QFile::link(QStringLiteral("/dev/uinput"), link));
+        late.sendKeyUp(key5());
+        late.sendKeyUp(key5());
+        qInstallMessageHandler(previous);
+        QCOMPARE(s_debug.size(), 2);
+        QVERIFY2(s_debug.at(1).contains(QLatin1String("works now")), qPrintable(s_debug.at(1)));
+    }
+
     SenderKeyToSystemLinux sender;
     sender.sendKeyUp(key5()); // creates the keyboard; this release is dropped
     const QString node = sender.deviceNode();
