@@ -63,8 +63,8 @@ enum SerialLine { LineDtr = 1, LineRts = 2 };
 // serialised values (the own file's format never does): a damaged one
 // ("@Variant(...)") can have a length field that makes Qt allocate without
 // limit, and QSettings::value() then throws std::bad_alloc; nothing may throw
-// into the host. What was read before stays, the rest keeps its state, and the settings
-// object is left in the group it was in.
+// into the host. What was read before stays, the rest keeps its state, and the
+// settings object is left in the group it was in.
 template<typename Load>
 void loadGuarded(QSettings &settings, const char *where, Load load)
 {
