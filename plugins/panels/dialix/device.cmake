@@ -6,5 +6,5 @@ add_library(dialix_device STATIC
     ${CMAKE_CURRENT_LIST_DIR}/source/panelprotocol.h
     ${CMAKE_CURRENT_LIST_DIR}/source/dialix.h
     ${CMAKE_CURRENT_LIST_DIR}/source/dialix.cpp)
-target_link_libraries(dialix_device PUBLIC Qt5::Core dialix_hidapi_headers)
+target_link_libraries(dialix_device PUBLIC Qt5::Core dialix_hidapi_headers PRIVATE dialix_interfaces)
 dialix_warnings(dialix_device)

@@ -2,7 +2,8 @@
 
 #include "plugins/panels/dialix/source/dialix.h"
 
-#include <QDebug>
+#include "interfaces/dialixlogging.h"
+
 #include <QEventLoop>
 #include <QTimer>
 
@@ -196,10 +197,10 @@ void Dialix::noteRead(int got)
     readsFailing = got < 0;
     if (readsFailing) {
         const wchar_t *error = hid_error(handle);
-        qDebug("Dialix: reading the panel fails: %s",
-               error ? qUtf8Printable(QString::fromWCharArray(error)) : "(no reason given)");
+        qCDebug(dialixLog, "Dialix: reading the panel fails: %s",
+                error ? qUtf8Printable(QString::fromWCharArray(error)) : "(no reason given)");
     } else {
-        qDebug("Dialix: reading the panel works again");
+        qCDebug(dialixLog, "Dialix: reading the panel works again");
     }
 }
 

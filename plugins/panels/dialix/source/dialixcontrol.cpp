@@ -1444,10 +1444,11 @@ void DialixControl::saveOptions()
         return;
     failing = !failing;
     if (failing)
-        qDebug("%s: cannot write %s; the host's settings keep the assignments", Q_FUNC_INFO,
-               qUtf8Printable(optionsFilePath()));
+        qCDebug(dialixLog, "%s: cannot write %s; the host's settings keep the assignments",
+                Q_FUNC_INFO, qUtf8Printable(optionsFilePath()));
     else
-        qDebug("%s: %s is written again", Q_FUNC_INFO, qUtf8Printable(optionsFilePath()));
+        qCDebug(dialixLog, "%s: %s is written again", Q_FUNC_INFO,
+                qUtf8Printable(optionsFilePath()));
 }
 
 void DialixControl::loadOptions()
