@@ -1,8 +1,10 @@
-# The panel controller: function menus and dispatch, dials and the VFO
-# coalescing timer, LEDs, PTT routing and the persistence of assignments.
+# The panel controller (dialixcontrol.cpp: construction, host binding, routing,
+# LEDs, PTT; dialixfunctions.cpp: the key and dial functions), the VFO
+# coalescing timer and the persistence of assignments.
 add_library(dialix_control STATIC
     ${CMAKE_CURRENT_LIST_DIR}/source/dialixcontrol.h
     ${CMAKE_CURRENT_LIST_DIR}/source/dialixcontrol.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/source/dialixfunctions.cpp
     ${CMAKE_CURRENT_LIST_DIR}/source/valuetimeout.h
     ${CMAKE_CURRENT_LIST_DIR}/source/valuetimeout.cpp)
 target_link_libraries(dialix_control PUBLIC

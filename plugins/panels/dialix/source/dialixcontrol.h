@@ -212,7 +212,8 @@ private:
     static const ButtonHandler buttonHandlers[dialix::ButtonFunctionCount];
     static const DialHandler dialHandlers[dialix::DialFunctionCount];
 
-    // One handler per table row: button<Name>() and dial<Name>(int).
+    // One handler per table row: button<Name>() and dial<Name>(int), with the
+    // slots above and the IF rule in dialixfunctions.cpp.
     void buttonUnused();
     void dialUnused(int value);
     DIALIX_BUTTON_FUNCTIONS(DIALIX_DECLARE_BUTTON_HANDLER_)
