@@ -80,37 +80,21 @@ private slots:
         QCOMPARE(box->value(), value);
     }
 
-    void enableCouplings_data()
-    {
-        QTest::addColumn<QString>("toggle");
-        QTest::addColumn<QStringList>("locked");
-
-        QTest::newRow("panel enable") << "chbEnable" << QStringList {"cbDevice"};
-        QTest::newRow("port enable")
-            << "chbEnableComPort" << QStringList {"cbPortName", "chbDTR", "chbRTS"};
-    }
-
+    // "Enable" locks the device choice, the port's "Enable" the port's controls.
     void enableCouplings()
     {
-        QFETCH(QString, toggle);
-        QFETCH(QStringList, locked);
-
         DialixOptions page;
-        auto *box = page.findChild<QCheckBox *>(toggle);
-        QVERIFY(box);
-        QList<QWidget *> widgets;
-        for (const QString &name : locked) {
-            widgets << page.findChild<QWidget *>(name);
-            QVERIFY(widgets.last());
-            QVERIFY(widgets.last()->isEnabled());
+        const QList<QPair<QCheckBox *, QList<QWidget *>>> couplings = {
+            {page.ui->chbEnable, {page.ui->cbDevice}},
+            {page.ui->chbEnableComPort, {page.ui->cbPortName, page.ui->chbDTR, page.ui->chbRTS}},
+        };
+        for (const auto &[box, locked] : couplings) {
+            for (bool on : {false, true, false}) {
+                box->setChecked(on);
+                for (QWidget *w : locked)
+                    QVERIFY2(w->isEnabled() == !on, qPrintable(w->objectName()));
+            }
         }
-
-        box->setChecked(true);
-        for (QWidget *w : widgets)
-            QVERIFY2(!w->isEnabled(), qPrintable(w->objectName()));
-        box->setChecked(false);
-        for (QWidget *w : widgets)
-            QVERIFY2(w->isEnabled(), qPrintable(w->objectName()));
     }
 
     // Each LED box drives its own signal, with the box's state.
@@ -179,29 +163,18 @@ private slots:
     {
         QTest::addColumn<QLocale>("locale");
         QTest::addColumn<bool>("found");
-        QTest::addColumn<QString>("enable");
-        QTest::addColumn<QString>("noTransfer");
-        QTest::addColumn<QString>("unassigned");
-        QTest::addColumn<QString>("volume");
-        QTest::addColumn<QString>("dialTip");
+        QTest::addColumn<QStringList>("texts"); // "Enable", PTT mode 0, pbFunc1, volume, dial tip
 
+        const QStringList english = {"Enable", "No transfer PTT", "NO",
+                                     "Volume:", "Rotate left or right for change VFO frequency"};
         QTest::newRow("german") << QLocale(QLocale::German, QLocale::Austria) << true
-                                << "Aktivieren"
-                                << "PTT nicht weiterleiten"
-                                << "Frei"
-                                << "Lautstärke:"
-                                << "Nach links oder rechts drehen, um die VFO-Frequenz zu ändern";
+                                << QStringList {"Aktivieren", "PTT nicht weiterleiten", "Frei",
+                                                "Lautstärke:",
+                                                "Nach links oder rechts drehen, um die "
+                                                "VFO-Frequenz zu ändern"};
         QTest::newRow("english") << QLocale(QLocale::English, QLocale::UnitedKingdom) << true
-                                 << "Enable"
-                                 << "No transfer PTT"
-                                 << "NO"
-                                 << "Volume:"
-                                 << "Rotate left or right for change VFO frequency";
-        QTest::newRow("no translation") << QLocale(QLocale::Japanese) << false << "Enable"
-                                        << "No transfer PTT"
-                                        << "NO"
-                                        << "Volume:"
-                                        << "Rotate left or right for change VFO frequency";
+                                 << english;
+        QTest::newRow("no translation") << QLocale(QLocale::Japanese) << false << english;
     }
 
     void translations()
@@ -214,12 +187,10 @@ private slots:
         QCOMPARE(installDialixTranslator(locale), found);
 
         DialixOptions page;
-        QTEST(page.ui->chbEnable->text(), "enable");
-        QTEST(page.ui->cbPttTransfer->itemText(0), "noTransfer");
-        QTEST(page.ui->pbFunc1->text(), "unassigned");
-        QTEST(page.ui->lbVolumeStep->text(), "volume");
-        QTEST(page.ui->dialFunc1->toolTip(), "dialTip");
-
+        QTEST((QStringList {page.ui->chbEnable->text(), page.ui->cbPttTransfer->itemText(0),
+                            page.ui->pbFunc1->text(), page.ui->lbVolumeStep->text(),
+                            page.ui->dialFunc1->toolTip()}),
+              "texts");
         installDialixTranslator(QLocale::c());
     }
 };
