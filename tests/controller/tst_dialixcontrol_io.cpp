@@ -98,9 +98,6 @@ class TestDialixControlIo : public QObject
 private slots:
     void initTestCase()
     {
-        qRegisterMetaType<Dialix::Buttons>("Dialix::Buttons");
-        qRegisterMetaType<Dialix::Dials>("Dialix::Dials");
-        qRegisterMetaType<Dialix::DialButtons>("Dialix::DialButtons");
         QVERIFY2(ModemLines::isActive(), "the pty modem-line emulation is not linked in");
     }
 
