@@ -1,10 +1,9 @@
 // Fuzzes the loading of settings from INI text: the reader of the plug-in's
-// own file format, the options page's keys from the own file and from a
-// settings object of the host, and (when the controller is built) the key and
-// dial assignments through the real "/options.ini" path, saved and loaded
-// again. Both stores are read through the own file's format here: QSettings'
-// own INI reader decodes serialised values, which the host's file is the
-// host's business.
+// own file format, and the assignment store (without a controller): the key
+// and dial assignments and the options page's keys from the own file and from a
+// settings object of the host, saved and loaded again. Both stores are read
+// through the own file's format here: QSettings' own INI reader decodes
+// serialised values, which the host's file is the host's business.
 //
 // Besides "no crash, no leak, no undefined behaviour":
 //  - the reader yields text only, and reading what the writer made of it gives
@@ -12,14 +11,14 @@
 //  - every option key whose stored text is a plain number, "true"/"false" or
 //    absent follows the fallback rules: the own file falls back to the key's
 //    default, the host's settings leave the control as it was;
-//  - with the controller, what loads from the input loads again after saving.
+//  - a stored function position that is a plain number is that function when
+//    it is one, else "Unused", as is a missing one;
+//  - what loads from the input loads again after saving.
 
+#include "plugins/panels/dialix/source/assignmentstore.h"
 #include "plugins/panels/dialix/source/dialixoptions.h"
 #include "plugins/panels/dialix/source/optionkeys.h"
 #include "plugins/panels/dialix/source/optionsfile.h"
-#ifdef DIALIX_FUZZ_CONTROLLER
-#include "plugins/panels/dialix/source/dialixcontrol.h"
-#endif
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -41,14 +40,13 @@
 
 namespace {
 
+using dialix::Assignments;
 using dialix::OptionKey;
 using dialix::OptionType;
 
 QTemporaryDir *workDir;
 DialixOptions *page;
-#ifdef DIALIX_FUZZ_CONTROLLER
-DialixControl *control;
-#endif
+Assignments assignments;
 quint64 fileNumber = 0;
 
 QVariant storedValue(QSettings &settings, const QString &key)
@@ -266,7 +264,6 @@ void checkOptions(QSettings &settings, bool ownFile, const QList<int> &before)
     settings.endGroup();
 }
 
-#ifdef DIALIX_FUZZ_CONTROLLER
 // A stored function position: a plain number in range, else "Unused" (0).
 int expectedPosition(QSettings &settings, const QString &key, int count, bool *plain)
 {
@@ -290,7 +287,7 @@ void checkAssignments(QSettings &settings, int dialKeyOffset)
         bool plain = false;
         const int want =
             expectedPosition(settings, QStringLiteral("FunctionButton%1").arg(n - 1), 61, &plain);
-        const int got = control->buttonFunction(n);
+        const int got = assignments.keys[n - 1];
         if (got < 0 || got > 60 || (plain && got != want)) {
             std::fprintf(stderr, "button %d: function %d, expected %d\n", n, got, want);
             std::abort();
@@ -300,7 +297,7 @@ void checkAssignments(QSettings &settings, int dialKeyOffset)
         bool plain = false;
         const int want = expectedPosition(
             settings, QStringLiteral("FunctionDial%1").arg(j + dialKeyOffset), 14, &plain);
-        const int got = control->dialFunction(j);
+        const int got = assignments.dials[j];
         if (got < 0 || got > 13 || (plain && got != want)) {
             std::fprintf(stderr, "dial %d: function %d, expected %d\n", j, got, want);
             std::abort();
@@ -308,19 +305,16 @@ void checkAssignments(QSettings &settings, int dialKeyOffset)
     }
     settings.endGroup();
 }
-#endif
 
 QList<int> snapshot()
 {
     QList<int> state;
     for (const OptionKey &key : dialix::optionKeys)
         state.append(controlState(key));
-#ifdef DIALIX_FUZZ_CONTROLLER
-    for (int n = 1; n <= 17; ++n)
-        state.append(control->buttonFunction(n));
-    for (int j = 0; j < 4; ++j)
-        state.append(control->dialFunction(j));
-#endif
+    for (int id : assignments.keys)
+        state.append(id);
+    for (int id : assignments.dials)
+        state.append(id);
     return state;
 }
 
@@ -333,12 +327,7 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
     // Lives for the whole run, as do the page and the directory.
     new QApplication(*argc, *argv);
     workDir = new QTemporaryDir(QDir::tempPath() + QStringLiteral("/fuzz_settings-XXXXXX"));
-#ifdef DIALIX_FUZZ_CONTROLLER
-    control = new DialixControl;
-    page = control->optionsWidget();
-#else
     page = new DialixOptions;
-#endif
     page->ui->cbReceiver->clear();
     page->ui->cbReceiver->addItems({QStringLiteral("RX 1"), QStringLiteral("RX 2")});
     // No port to pick: a stored "PttComEnable" must never open a real port
@@ -353,22 +342,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QByteArray input =
         QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size));
     checkReaderAndWriter(input);
-#ifdef DIALIX_FUZZ_CONTROLLER
-    // The real loading path: "/options.ini" beside the executable. Saving and
-    // loading again changes nothing.
-    {
-        QFile file(DialixControl::optionsFilePath());
-        if (!file.open(QIODevice::WriteOnly))
-            std::abort();
-        file.write(input);
-    }
-    control->loadOptions();
-    const QList<int> loaded = snapshot();
-    control->saveOptions();
-    control->loadOptions();
-    if (snapshot() != loaded)
-        failed("saving and loading again changed what was loaded");
-#endif
     // A new file name each time: QSettings caches parsed files by name and
     // modification time, which a rewrite within the same millisecond defeats.
     const QString path = workDir->filePath(QStringLiteral("options%1.ini").arg(++fileNumber));
@@ -380,31 +353,31 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     }
     {
         QSettings settings(path, dialix::optionsFileFormat());
-#ifdef DIALIX_FUZZ_CONTROLLER
-        // The controller opens its group and lets the page read the sub-group.
-        control->readAssignments(settings);
+        // The store opens the panel's group and lets the page read the sub-group.
+        AssignmentStore(settings, AssignmentStore::OwnFile).read(0, assignments, *page);
         checkAssignments(settings, -1);
         settings.beginGroup(QStringLiteral("Dialix1"));
         checkOptions(settings, true, {});
         settings.endGroup();
 
         const QList<int> before = snapshot();
-        control->readHostAssignments(settings);
+        AssignmentStore(settings, AssignmentStore::HostSettings).read(0, assignments, *page);
         checkAssignments(settings, 0);
         settings.beginGroup(QStringLiteral("Dialix1"));
         checkOptions(settings, false, before);
         settings.endGroup();
-#else
-        settings.beginGroup(QStringLiteral("Dialix1"));
-        page->readOptionKeys(&settings);
-        checkOptions(settings, true, {});
-
-        const QList<int> before = snapshot();
-        page->readHostOptionKeys(&settings);
-        checkOptions(settings, false, before);
-        settings.endGroup();
-#endif
     }
+    // As the own file is loaded, saved and loaded again: nothing changes.
+    const auto ownFile = [&path](auto use) {
+        QSettings settings(path, dialix::optionsFileFormat());
+        use(AssignmentStore(settings, AssignmentStore::OwnFile));
+    };
+    ownFile([](AssignmentStore store) { store.read(0, assignments, *page); });
+    const QList<int> loaded = snapshot();
+    ownFile([](AssignmentStore store) { store.write(0, assignments, *page); });
+    ownFile([](AssignmentStore store) { store.read(0, assignments, *page); });
+    if (snapshot() != loaded)
+        failed("saving and loading again changed what was loaded");
     if (nothingToDecode(input))
         compareWithQt(input, parse(input));
     QFile::remove(path);

@@ -1,4 +1,5 @@
-# The options page of a panel, its option keys, the function table and the
+# The options page of a panel, its option keys, the store of a panel's
+# assignments and page in a settings object, the function table and the
 # translations (compiled with lrelease and embedded as a resource).
 
 set(DIALIX_OPTIONS_DIR ${CMAKE_CURRENT_SOURCE_DIR}/source)
@@ -33,6 +34,8 @@ add_library(dialix_options STATIC
     ${DIALIX_OPTIONS_DIR}/optionkeys.cpp
     ${DIALIX_OPTIONS_DIR}/optionsfile.h
     ${DIALIX_OPTIONS_DIR}/optionsfile.cpp
+    ${DIALIX_OPTIONS_DIR}/assignmentstore.h
+    ${DIALIX_OPTIONS_DIR}/assignmentstore.cpp
     ${DIALIX_OPTIONS_DIR}/functiontable.h
     ${DIALIX_OPTIONS_DIR}/functiontable.cpp
     ${DIALIX_OPTIONS_DIR}/dialixtranslation.h
@@ -41,7 +44,7 @@ add_library(dialix_options STATIC
 # Users of dialixoptions.h reach the form's widgets through ui_dialixoptions.h.
 target_include_directories(dialix_options PUBLIC
     ${CMAKE_CURRENT_BINARY_DIR}/dialix_options_autogen/include)
-target_link_libraries(dialix_options PUBLIC Qt5::Widgets Qt5::SerialPort)
+target_link_libraries(dialix_options PUBLIC Qt5::Widgets Qt5::SerialPort dialix_interfaces)
 dialix_warnings(dialix_options)
 
 # Refresh the .ts files from the sources: cmake --build <dir> --target dialix_lupdate
@@ -53,6 +56,8 @@ add_custom_target(dialix_lupdate
         ${DIALIX_OPTIONS_DIR}/functiontable.h
         ${DIALIX_OPTIONS_DIR}/dialixoptions.cpp
         ${DIALIX_OPTIONS_DIR}/optionkeys.cpp
+    ${DIALIX_OPTIONS_DIR}/assignmentstore.h
+    ${DIALIX_OPTIONS_DIR}/assignmentstore.cpp
         ${DIALIX_OPTIONS_DIR}/dialixcontrol.h
         ${DIALIX_OPTIONS_DIR}/dialixcontrol.cpp
         ${DIALIX_OPTIONS_DIR}/controldialix.h

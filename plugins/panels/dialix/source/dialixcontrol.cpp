@@ -59,25 +59,6 @@ QPushButton *buttonAt(const QList<QPointer<QPushButton>> &buttons, int i)
 // Serial-port lines that PTT raises.
 enum SerialLine { LineDtr = 1, LineRts = 2 };
 
-// Runs one load of stored settings. The host's settings object decodes
-// serialised values (the own file's format never does): a damaged one
-// ("@Variant(...)") can have a length field that makes Qt allocate without
-// limit, and QSettings::value() then throws std::bad_alloc; nothing may throw
-// into the host. What was read before stays, the rest keeps its state, and the
-// settings object is left in the group it was in.
-template<typename Load>
-void loadGuarded(QSettings &settings, const char *where, Load load)
-{
-    const QString group = settings.group();
-    try {
-        load();
-    } catch (const std::exception &e) {
-        qCDebug(dialixLog) << where << e.what();
-        for (int depth = 0; depth < 8 && settings.group() != group; ++depth)
-            settings.endGroup();
-    }
-}
-
 } // namespace
 
 DialixControl::DialixControl(QObject *parent)
@@ -985,11 +966,6 @@ void DialixControl::changedFunctionDial(QAction *action)
     }
 }
 
-QString DialixControl::groupName() const
-{
-    return QStringLiteral("Dialix") + QString::number(index + 1);
-}
-
 QString DialixControl::optionsFilePath()
 {
     return QCoreApplication::applicationDirPath() + QStringLiteral("/options.ini");
@@ -1024,70 +1000,55 @@ void DialixControl::loadOptions()
     readAssignments(settings);
 }
 
-// The own file numbers the dials from -1 (dial j under "FunctionDial" + (j - 1));
-// files written earlier depend on it. The host settings number them from 0.
 void DialixControl::writeAssignments(QSettings &settings)
 {
-    settings.beginGroup(groupName());
-    writeGroups(settings, -1);
-    options->writeOptionKeys(&settings);
-    settings.endGroup();
+    store(settings, AssignmentStore::OwnFile);
 }
 
 void DialixControl::readAssignments(QSettings &settings)
 {
-    loadGuarded(settings, Q_FUNC_INFO, [&] {
-        settings.beginGroup(groupName());
-        readGroups(settings, -1, true);
-        options->readOptionKeys(&settings);
-        settings.endGroup();
-    });
+    load(settings, AssignmentStore::OwnFile);
 }
 
 void DialixControl::writeHostAssignments(QSettings &settings)
 {
-    settings.beginGroup(groupName());
-    writeGroups(settings, 0);
-    options->writeHostOptionKeys(&settings);
-    settings.endGroup();
+    store(settings, AssignmentStore::HostSettings);
 }
 
 void DialixControl::readHostAssignments(QSettings &settings)
 {
-    loadGuarded(settings, Q_FUNC_INFO, [&] {
-        settings.beginGroup(groupName());
-        readGroups(settings, 0, false);
-        options->readHostOptionKeys(&settings);
-        settings.endGroup();
-    });
+    load(settings, AssignmentStore::HostSettings);
 }
 
-void DialixControl::writeGroups(QSettings &settings, int dialKeyOffset)
+dialix::Assignments DialixControl::assignments() const
 {
-    for (int n = 0; n < buttonGroups.size(); ++n)
-        settings.setValue(QStringLiteral("FunctionButton") + QString::number(n),
-                          checkedPosition(buttonGroups.at(n)));
-    for (int j = 0; j < dialGroups.size(); ++j)
-        settings.setValue(QStringLiteral("FunctionDial") + QString::number(j + dialKeyOffset),
-                          checkedPosition(dialGroups.at(j)));
+    dialix::Assignments a;
+    for (int n = 1; n <= ButtonCount; ++n)
+        a.keys[n - 1] = buttonFunction(n);
+    for (int j = 0; j < DialCount; ++j)
+        a.dials[j] = dialFunction(j);
+    return a;
 }
 
-void DialixControl::readGroups(QSettings &settings, int dialKeyOffset, bool relabel)
+void DialixControl::store(QSettings &settings, AssignmentStore::Layout layout)
 {
-    const auto restore = [&settings, relabel](QActionGroup *group, const QString &key) {
-        bool ok = false;
-        int position = settings.value(key, 0).toInt(&ok);
-        if (!ok)
-            position = 0;
-        checkPosition(group, position);
-        if (relabel)
+    AssignmentStore(settings, layout).write(index, assignments(), *options);
+}
+
+// Only the own file's reading re-labels the page's buttons.
+void DialixControl::load(QSettings &settings, AssignmentStore::Layout layout)
+{
+    dialix::Assignments a = assignments();
+    AssignmentStore(settings, layout).read(index, a, *options);
+    const auto restore = [layout](QActionGroup *group, int id) {
+        checkPosition(group, id);
+        if (layout == AssignmentStore::OwnFile)
             emit group->triggered(group->checkedAction());
     };
-    for (int n = 0; n < buttonGroups.size(); ++n)
-        restore(buttonGroups.at(n), QStringLiteral("FunctionButton") + QString::number(n));
-    for (int j = 0; j < dialGroups.size(); ++j)
-        restore(dialGroups.at(j),
-                QStringLiteral("FunctionDial") + QString::number(j + dialKeyOffset));
+    for (int n = 0; n < ButtonCount; ++n)
+        restore(buttonGroups.at(n), a.keys[n]);
+    for (int j = 0; j < DialCount; ++j)
+        restore(dialGroups.at(j), a.dials[j]);
 }
 
 // ---------------------------------------------------------------------------

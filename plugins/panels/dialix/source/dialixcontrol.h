@@ -5,6 +5,7 @@
 #include "interfaces/cwkeycontrolabstract.h"
 #include "interfaces/devicemanagerabstract.h"
 #include "interfaces/dialixabstract.h"
+#include "plugins/panels/dialix/source/assignmentstore.h"
 #include "plugins/panels/dialix/source/dialix.h"
 #include "plugins/panels/dialix/source/dialixoptions.h"
 #include "plugins/panels/dialix/source/functiontable.h"
@@ -67,8 +68,8 @@ class DialixControl : public DialixAbstract
     Q_OBJECT
 
 public:
-    static constexpr int ButtonCount = 17; // pbFunc1 .. pbFunc17
-    static constexpr int DialCount = 4; // pbDial0 .. pbDial3
+    static constexpr int ButtonCount = dialix::Assignments::KeyCount; // pbFunc1 .. pbFunc17
+    static constexpr int DialCount = dialix::Assignments::DialCount; // pbDial0 .. pbDial3
     static constexpr int RetryIntervalMs = 1000;
     static constexpr int DialReleaseMs = 50;
     static constexpr double VolumeMin = -60.0;
@@ -112,12 +113,11 @@ public:
     void loadOptions();
     static QString optionsFilePath();
 
-    // Own-file layout: dial j stored under "FunctionDial" + (j - 1); reading
-    // re-labels the buttons.
+    // The assignments and the page through an AssignmentStore, in the own
+    // file's layout (reading re-labels the buttons) and in the host-settings
+    // layout (reading leaves the button texts as they are).
     void writeAssignments(QSettings &settings);
     void readAssignments(QSettings &settings);
-    // Host-settings layout: dial j under "FunctionDial" + j; reading restores
-    // the assignments but leaves the button texts as they are.
     void writeHostAssignments(QSettings &settings);
     void readHostAssignments(QSettings &settings);
 
@@ -236,9 +236,9 @@ private:
     // host quits): nothing will report the release of what it holds, so the
     // PTT and the paddle contacts are released here, the way they went out.
     void releaseHeld();
-    void writeGroups(QSettings &settings, int dialKeyOffset);
-    void readGroups(QSettings &settings, int dialKeyOffset, bool relabel);
-    QString groupName() const;
+    dialix::Assignments assignments() const;
+    void store(QSettings &settings, AssignmentStore::Layout layout);
+    void load(QSettings &settings, AssignmentStore::Layout layout);
 
     quint32 rx() const;
     bool hasReceivers() const;
