@@ -328,12 +328,11 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
     new QApplication(*argc, *argv);
     workDir = new QTemporaryDir(QDir::tempPath() + QStringLiteral("/fuzz_settings-XXXXXX"));
     page = new DialixOptions;
-    page->ui->cbReceiver->clear();
-    page->ui->cbReceiver->addItems({QStringLiteral("RX 1"), QStringLiteral("RX 2")});
+    page->setReceiverNames({QStringLiteral("RX 1"), QStringLiteral("RX 2")});
     // No port to pick: a stored "PttComEnable" must never open a real port
     // (this machine's /dev/ttyS0 would be the only one listed), and a port that
     // fails to open shows a modal message box, which would stall the fuzzer.
-    page->ui->cbPortName->clear();
+    page->setPortNames({});
     return 0;
 }
 

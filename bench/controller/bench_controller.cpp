@@ -8,6 +8,7 @@
 #include "tools/virtualpanel/virtualpanel.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QElapsedTimer>
 
 #include <algorithm>
@@ -86,7 +87,7 @@ int main(int argc, char **argv)
     }
 
     // Panel report to command message, one press at a time.
-    ctrl.optionsWidget()->ui->chbEnable->setChecked(true);
+    ctrl.optionsWidget()->findChild<QCheckBox *>(QStringLiteral("chbEnable"))->setChecked(true);
     if (!ctrl.panel().isOpen()) {
         std::fprintf(stderr, "the virtual panel did not open\n");
         return 1;
@@ -140,7 +141,7 @@ int main(int argc, char **argv)
                    "pct");
     }
 
-    ctrl.optionsWidget()->ui->chbEnable->setChecked(false);
+    ctrl.optionsWidget()->findChild<QCheckBox *>(QStringLiteral("chbEnable"))->setChecked(false);
     report.print();
     return 0;
 }

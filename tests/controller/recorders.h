@@ -6,6 +6,7 @@
 #include "interfaces/cwkeycontrolabstract.h"
 #include "interfaces/devicemanagerabstract.h"
 #include "plugins/panels/dialix/source/dialixcontrol.h"
+#include "tests/support/dialixtestaccess.h"
 
 #include <QMap>
 #include <QPushButton>
@@ -121,7 +122,7 @@ struct Rig
             ctrl.setDevManager(&manager);
     }
 
-    Ui::DialixOptions *ui() { return ctrl.optionsWidget()->ui.get(); }
+    Ui::DialixOptions *ui() { return DialixTestAccess::ui(*ctrl.optionsWidget()); }
     QPushButton *button(const QString &name)
     {
         return ctrl.optionsWidget()->findChild<QPushButton *>(name);

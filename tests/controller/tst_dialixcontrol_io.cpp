@@ -286,7 +286,7 @@ private slots:
         manager.setCwKeyControl(&key);
         auto ctrl = std::make_unique<DialixControl>();
         ctrl->setChannels(3);
-        Ui::DialixOptions *ui = ctrl->optionsWidget()->ui.get();
+        Ui::DialixOptions *ui = DialixTestAccess::ui(*ctrl->optionsWidget());
         ui->cbReceiver->setCurrentIndex(1);
         ctrl->setDevManager(&manager);
 

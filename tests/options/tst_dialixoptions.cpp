@@ -2,6 +2,7 @@
 
 #include "plugins/panels/dialix/source/dialixoptions.h"
 #include "plugins/panels/dialix/source/dialixtranslation.h"
+#include "tests/support/dialixtestaccess.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -31,15 +32,16 @@ private slots:
             QCOMPARE(button->text(), QStringLiteral("NO"));
             QVERIFY2(!button->isCheckable(), qPrintable(button->objectName()));
         }
-        QCOMPARE(page.ui->cbPttTransfer->currentIndex(), 0);
-        QCOMPARE(page.ui->cbPttTransfer->currentText(), QStringLiteral("No transfer PTT"));
-        QCOMPARE(page.ui->cbPttTransfer->count(), 3);
-        QCOMPARE(page.ui->cbDevice->currentIndex(), -1);
-        QCOMPARE(page.ui->cbReceiver->currentIndex(), -1);
+        QCOMPARE(DialixTestAccess::ui(page)->cbPttTransfer->currentIndex(), 0);
+        QCOMPARE(DialixTestAccess::ui(page)->cbPttTransfer->currentText(),
+                 QStringLiteral("No transfer PTT"));
+        QCOMPARE(DialixTestAccess::ui(page)->cbPttTransfer->count(), 3);
+        QCOMPARE(DialixTestAccess::ui(page)->cbDevice->currentIndex(), -1);
+        QCOMPARE(DialixTestAccess::ui(page)->cbReceiver->currentIndex(), -1);
         QCOMPARE(page.size(), QSize(860, 373));
         QCOMPARE(page.windowTitle(), QStringLiteral("Form"));
 
-        QDial *dial = page.ui->dialFunc1;
+        QDial *dial = DialixTestAccess::ui(page)->dialFunc1;
         QCOMPARE(dial->minimum(), 0);
         QCOMPARE(dial->maximum(), 255);
         QVERIFY(dial->wrapping());
@@ -85,8 +87,10 @@ private slots:
     {
         DialixOptions page;
         const QList<QPair<QCheckBox *, QList<QWidget *>>> couplings = {
-            {page.ui->chbEnable, {page.ui->cbDevice}},
-            {page.ui->chbEnableComPort, {page.ui->cbPortName, page.ui->chbDTR, page.ui->chbRTS}},
+            {DialixTestAccess::ui(page)->chbEnable, {DialixTestAccess::ui(page)->cbDevice}},
+            {DialixTestAccess::ui(page)->chbEnableComPort,
+             {DialixTestAccess::ui(page)->cbPortName, DialixTestAccess::ui(page)->chbDTR,
+              DialixTestAccess::ui(page)->chbRTS}},
         };
         for (const auto &[box, locked] : couplings) {
             for (bool on : {false, true, false}) {
@@ -104,7 +108,8 @@ private slots:
             DialixOptions page;
             QSignalSpy keySpy(&page, &DialixOptions::setLedKey);
             QSignalSpy encoderSpy(&page, &DialixOptions::setLedEncoder);
-            QCheckBox *box = encoder ? page.ui->chbEncoderLed : page.ui->chbKeyLed;
+            QCheckBox *box = encoder ? DialixTestAccess::ui(page)->chbEncoderLed
+                                     : DialixTestAccess::ui(page)->chbKeyLed;
             box->setChecked(true);
             box->setChecked(false);
             const QSignalSpy &hit = encoder ? encoderSpy : keySpy;
@@ -187,9 +192,11 @@ private slots:
         QCOMPARE(installDialixTranslator(locale), found);
 
         DialixOptions page;
-        QTEST((QStringList {page.ui->chbEnable->text(), page.ui->cbPttTransfer->itemText(0),
-                            page.ui->pbFunc1->text(), page.ui->lbVolumeStep->text(),
-                            page.ui->dialFunc1->toolTip()}),
+        QTEST((QStringList {DialixTestAccess::ui(page)->chbEnable->text(),
+                            DialixTestAccess::ui(page)->cbPttTransfer->itemText(0),
+                            DialixTestAccess::ui(page)->pbFunc1->text(),
+                            DialixTestAccess::ui(page)->lbVolumeStep->text(),
+                            DialixTestAccess::ui(page)->dialFunc1->toolTip()}),
               "texts");
         installDialixTranslator(QLocale::c());
     }

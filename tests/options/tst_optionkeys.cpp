@@ -3,6 +3,7 @@
 #include "plugins/panels/dialix/source/dialixoptions.h"
 #include "plugins/panels/dialix/source/optionkeys.h"
 #include "plugins/panels/dialix/source/optionsfile.h"
+#include "tests/support/dialixtestaccess.h"
 
 #include <QFile>
 #include <QSettings>
@@ -20,8 +21,8 @@ enum class Store { OwnFile, Host };
 // The page as the controller leaves it before loading: receivers and ports listed.
 void fillLists(DialixOptions &page)
 {
-    page.ui->cbReceiver->addItems({"RX 1", "RX 2"});
-    page.ui->cbPortName->addItems({"ttyUSB0", "ttyUSB1", "COM3"});
+    page.setReceiverNames({"RX 1", "RX 2"});
+    page.setPortNames({"ttyUSB0", "ttyUSB1", "COM3"});
 }
 
 QWidget *control(const DialixOptions &page, const OptionKey &key)
@@ -209,17 +210,17 @@ private slots:
         DialixOptions page;
         fillLists(page);
         setAll(page, stateA);
-        page.ui->sbSqlStep->setValue(17);
+        DialixTestAccess::ui(page)->sbSqlStep->setValue(17);
         const QString oddName = QStringLiteral("@COM 3, \"\u00fc\\x\t ");
-        page.ui->cbPortName->addItem(oddName);
+        DialixTestAccess::ui(page)->cbPortName->addItem(oddName);
         QByteArray written[2];
         for (const QSettings::Format format : {QSettings::IniFormat, dialix::optionsFileFormat()}) {
             const QString path = dir.filePath(QStringLiteral("form%1.ini").arg(int(format)));
             {
                 QSettings settings(path, format);
                 for (const char *group : {"Dialix2", "Dialix10", "Dialix1"}) {
-                    page.ui->cbPortName->setCurrentText(qstrcmp(group, "Dialix1") ? oddName
-                                                                                  : "COM3");
+                    DialixTestAccess::ui(page)->cbPortName->setCurrentText(
+                        qstrcmp(group, "Dialix1") ? oddName : "COM3");
                     settings.beginGroup(QLatin1String(group));
                     settings.setValue(QStringLiteral("FunctionDial-1"), 13);
                     page.writeOptionKeys(&settings);
@@ -350,7 +351,7 @@ private slots:
         DialixOptions page;
         fillLists(page);
         setAll(page, stateB);
-        page.ui->chbKeyLed->setChecked(true);
+        DialixTestAccess::ui(page)->chbKeyLed->setChecked(true);
 
         QSettings settings(path, formatOf(store));
         settings.beginGroup(QStringLiteral("Dialix1"));
@@ -360,8 +361,8 @@ private slots:
         QVERIFY2(actual == expected,
                  qPrintable(QStringLiteral("%1 gave %2, expected %3")
                                 .arg(key, actual.toString(), expected.toString())));
-        QCOMPARE(page.ui->sbDriveStep->value(), 4);
-        QCOMPARE(page.ui->sbRfGainStep->value(), 17);
+        QCOMPARE(DialixTestAccess::ui(page)->sbDriveStep->value(), 4);
+        QCOMPARE(DialixTestAccess::ui(page)->sbRfGainStep->value(), 17);
     }
 
     void serialKeysReadOrder_data()
@@ -398,9 +399,12 @@ private slots:
         auto log = [&changes](QObject *sender) {
             changes << sender->objectName();
         };
-        for (QCheckBox *box : {page.ui->chbRTS, page.ui->chbDTR, page.ui->chbEnableComPort})
+        for (QCheckBox *box :
+             {DialixTestAccess::ui(page)->chbRTS, DialixTestAccess::ui(page)->chbDTR,
+              DialixTestAccess::ui(page)->chbEnableComPort})
             connect(box, &QCheckBox::toggled, this, [box, log] { log(box); });
-        for (QComboBox *box : {page.ui->cbPttTransfer, page.ui->cbPortName})
+        for (QComboBox *box :
+             {DialixTestAccess::ui(page)->cbPttTransfer, DialixTestAccess::ui(page)->cbPortName})
             connect(box, qOverload<int>(&QComboBox::currentIndexChanged), this,
                     [box, log] { log(box); });
 

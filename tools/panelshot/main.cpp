@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QPixmap>
+#include <QPushButton>
 #include <QTimer>
 
 #include <cstdio>
@@ -53,8 +54,7 @@ void assignSample(DialixOptions &page)
         button->setText(dialix::dialFunctionShortText(id));
         button->setToolTip(dialix::dialFunctionText(id));
     }
-    page.ui->cbReceiver->addItems({QStringLiteral("RX 1"), QStringLiteral("RX 2")});
-    page.ui->cbReceiver->setCurrentIndex(0);
+    page.setReceiverNames({QStringLiteral("RX 1"), QStringLiteral("RX 2")});
 }
 
 } // namespace

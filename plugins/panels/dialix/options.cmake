@@ -41,7 +41,8 @@ add_library(dialix_options STATIC
     ${DIALIX_OPTIONS_DIR}/dialixtranslation.h
     ${DIALIX_OPTIONS_DIR}/dialixtranslation.cpp
     ${DIALIX_TRANSLATIONS_CPP})
-# Users of dialixoptions.h reach the form's widgets through ui_dialixoptions.h.
+# The form (ui_dialixoptions.h) is private to the page; tests reach it through a
+# test-only friend.
 target_include_directories(dialix_options PUBLIC
     ${CMAKE_CURRENT_BINARY_DIR}/dialix_options_autogen/include)
 target_link_libraries(dialix_options PUBLIC Qt5::Widgets Qt5::SerialPort dialix_interfaces)

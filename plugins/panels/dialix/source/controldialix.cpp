@@ -50,7 +50,7 @@ void keepWhileClosing(std::shared_ptr<DialixControl> controller)
 bool enabled(const DialixControl &controller)
 {
     const DialixOptions *page = controller.optionsWidget();
-    return page && page->ui->chbEnable->isChecked();
+    return page && page->isEnabledChecked();
 }
 
 // The codecs learn the CW-key object from the same announcement the host sends.

@@ -12,10 +12,7 @@
 
 #include <QAction>
 #include <QActionGroup>
-#include <QCheckBox>
-#include <QComboBox>
 #include <QCoreApplication>
-#include <QDial>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
@@ -72,12 +69,11 @@ DialixControl::DialixControl(QObject *parent)
     port->setFlowControl(FlowControlNone);
 
     options = new DialixOptions();
-    Ui::DialixOptions *ui = options->ui.get();
-    ui->cbDevice->hide();
-    ui->gpPttTransfer->hide();
+    options->setDeviceListVisible(false);
+    options->setPttPortVisible(false);
     codec = std::make_shared<qrvCommand>();
 
-    ui->cbPortName->addItems(port->availablePorts());
+    options->setPortNames(port->availablePorts());
 
     connect(&valueTimeout, &ValueTimeout::valueChanged, this, &DialixControl::onDdsValue);
 
@@ -90,7 +86,7 @@ DialixControl::DialixControl(QObject *parent)
 
     device.findDevices();
 
-    connect(ui->chbEnable, &QCheckBox::toggled, this, &DialixControl::open);
+    connect(options, &DialixOptions::enableToggled, this, &DialixControl::open);
     // The device's signals reach onButton, onDialButton, onDial, onPtt, KeyDash
     // and KeyDot (dispatch()) on this thread, through panelEvent().
     using E = PanelEvent;
@@ -114,12 +110,10 @@ DialixControl::DialixControl(QObject *parent)
     }
     connect(options, &DialixOptions::setLedKey, this, &DialixControl::onLedButtons);
     connect(options, &DialixOptions::setLedEncoder, this, &DialixControl::onLedEncoder);
-    connect(ui->chbVfoB, &QCheckBox::toggled, this, &DialixControl::onVfoB);
-    connect(ui->cbReceiver, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
-            &DialixControl::switchReceivers);
-    connect(ui->cbPttTransfer, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
-            &DialixControl::onPttTransferMode);
-    connect(ui->chbEnableComPort, &QCheckBox::toggled, this, &DialixControl::onSerialPortOpen);
+    connect(options, &DialixOptions::vfoBToggled, this, &DialixControl::onVfoB);
+    connect(options, &DialixOptions::receiverChanged, this, &DialixControl::switchReceivers);
+    connect(options, &DialixOptions::pttTransferChanged, this, &DialixControl::onPttTransferMode);
+    connect(options, &DialixOptions::portEnableToggled, this, &DialixControl::onSerialPortOpen);
 
     // The reader thread ends when the panel closes, whoever closes it. Its end
     // is queued behind the last events it sent, so a press still on its way
@@ -270,11 +264,10 @@ void DialixControl::open(bool state)
         return;
     }
     setRetry(false);
-    Ui::DialixOptions *ui = options->ui.get();
-    onLedButtons(ui->chbKeyLed->isChecked());
-    onLedEncoder(ui->chbEncoderLed->isChecked());
-    switchReceivers(ui->cbReceiver->currentIndex());
-    onVfoB(ui->chbVfoB->isChecked());
+    onLedButtons(options->isKeyLedChecked());
+    onLedEncoder(options->isEncoderLedChecked());
+    switchReceivers(options->receiver());
+    onVfoB(options->isVfoBChecked());
 }
 
 void DialixControl::terminate()
@@ -284,7 +277,7 @@ void DialixControl::terminate()
 
 void DialixControl::restore()
 {
-    if (options && options->ui->chbEnable->isChecked())
+    if (options && options->isEnabledChecked())
         open(true);
 }
 
@@ -309,10 +302,10 @@ void DialixControl::setCommand(QVariant cmd)
 
 void DialixControl::setChannels(uint value)
 {
-    QComboBox *box = options->ui->cbReceiver;
-    box->clear();
+    QStringList names;
     for (uint i = 1; i <= value; ++i)
-        box->addItem(tr("RX ") + QString::number(i));
+        names << tr("RX ") + QString::number(i);
+    options->setReceiverNames(names);
 }
 
 void DialixControl::deviceChanged()
@@ -338,17 +331,12 @@ void DialixControl::on4K(bool state)
     Q_UNUSED(state)
     // Setting every item's text again makes the combo box lay out its items
     // anew after the host's display mode changed.
-    QComboBox *box = options->ui->cbReceiver;
-    for (int i = 0; i < box->count(); ++i) {
-        const QString text = box->itemText(i);
-        box->setItemText(i, QStringLiteral("  "));
-        box->setItemText(i, text);
-    }
+    options->refreshReceiverTexts();
 }
 
 void DialixControl::onPttTransferMode(int index)
 {
-    options->ui->gpPttTransfer->setVisible(index == PttToComPort);
+    options->setPttPortVisible(index == PttToComPort);
 }
 
 // ---------------------------------------------------------------------------
@@ -681,18 +669,14 @@ void DialixControl::onDdsValue(QVariant value)
     if (!qobject_cast<ValueTimeout *>(sender()))
         return;
     const int v = value.toInt();
-    Ui::DialixOptions *ui = options->ui.get();
-    const bool vfoB = ui->chbVfoB->isChecked();
-    if (ui->chbUseIf->isChecked() && !vfoB)
+    const bool vfoB = options->isVfoBChecked();
+    if (options->isUseIfChecked() && !vfoB)
         ifRule(v);
     else
         codec->panelVFO(rx(), vfoB ? 1 : 0, v);
 
-    if (options->isVisible()) {
-        QDial *dial = ui->dialFunc1;
-        if (dial->maximum() != 0)
-            dial->setValue((v + dial->value()) % dial->maximum());
-    }
+    if (options->isVisible())
+        options->turnVfoDial(v);
 }
 
 // ---------------------------------------------------------------------------
@@ -765,19 +749,18 @@ void DialixControl::ptt(bool state)
 {
     PttRoutes sent;
     if (deviceManager && options) {
-        Ui::DialixOptions *ui = options->ui.get();
-        const int mode = ui->cbPttTransfer->currentIndex();
+        const int mode = options->pttTransferMode();
         if (mode == PttToHost) {
             emit deviceManager->txTransfer(rx(), state);
             sent.host = deviceManager;
             sent.hostRx = rx();
-        } else if (mode == PttToComPort && ui->chbEnableComPort->isChecked()) {
+        } else if (mode == PttToComPort && options->isPortEnabledChecked()) {
             SerialPortAbstract *port = serialPort.current();
-            if (ui->chbDTR->isChecked()) {
+            if (options->isDtrChecked()) {
                 port->setDataTerminalReady(state);
                 sent.lines |= LineDtr;
             }
-            if (ui->chbRTS->isChecked()) {
+            if (options->isRtsChecked()) {
                 port->setRequestToSend(state);
                 sent.lines |= LineRts;
             }
@@ -873,10 +856,9 @@ void DialixControl::onSerialPortOpen(bool state)
         keyedPtt.lines = 0;
         return;
     }
-    Ui::DialixOptions *ui = options->ui.get();
-    const QString name = ui->cbPortName->currentText();
+    const QString name = options->portName();
     if (name.isEmpty()) {
-        ui->chbEnableComPort->setChecked(false);
+        options->setPortEnabledChecked(false);
         return;
     }
     port->setPortName(name);
@@ -884,7 +866,7 @@ void DialixControl::onSerialPortOpen(bool state)
         return;
     QMessageBox::critical(options, QCoreApplication::applicationName(),
                           tr("Failed to open ") + name + tr(" for PTT transfer!"), QMessageBox::Ok);
-    ui->chbEnableComPort->setChecked(false);
+    options->setPortEnabledChecked(false);
 }
 
 // ---------------------------------------------------------------------------
@@ -1056,5 +1038,5 @@ void DialixControl::load(QSettings &settings, AssignmentStore::Layout layout)
 
 quint32 DialixControl::rx() const
 {
-    return quint32(options->ui->cbReceiver->currentIndex());
+    return quint32(options->receiver());
 }

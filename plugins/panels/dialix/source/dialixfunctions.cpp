@@ -7,9 +7,6 @@
 #include "interfaces/devicemanagerabstract.h"
 #include "plugins/panels/dialix/source/dialixoptions.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-
 #include <algorithm>
 
 // One entry per table row, in id order: entry i runs function id i.
@@ -76,11 +73,11 @@ void DialixControl::buttonModeDown()
 }
 void DialixControl::buttonVolumeUp()
 {
-    codec->panelVolume(rx(), options->ui->sbVolumeStep->value());
+    codec->panelVolume(rx(), options->step(DialixOptions::Step::Volume));
 }
 void DialixControl::buttonVolumeDown()
 {
-    codec->panelVolume(rx(), -options->ui->sbVolumeStep->value());
+    codec->panelVolume(rx(), -options->step(DialixOptions::Step::Volume));
 }
 void DialixControl::buttonMute()
 {
@@ -179,25 +176,23 @@ void DialixControl::buttonPowerOnOff()
 
 void DialixControl::buttonSwitchDdsIf()
 {
-    QCheckBox *box = options->ui->chbUseIf;
-    box->setChecked(!box->isChecked());
+    options->setUseIfChecked(!options->isUseIfChecked());
 }
 
 void DialixControl::buttonSwitchReceiver()
 {
-    QComboBox *box = options->ui->cbReceiver;
-    if (box->count() == 0)
+    const int count = options->receiverCount();
+    if (count == 0)
         return;
-    const int next = box->currentIndex() + 1;
-    box->setCurrentIndex(next >= box->count() ? 0 : next);
+    const int next = options->receiver() + 1;
+    options->setReceiver(next >= count ? 0 : next);
 }
 
 void DialixControl::buttonChangeVfoAB()
 {
     if (!hasReceivers())
         return;
-    QCheckBox *box = options->ui->chbVfoB;
-    box->setChecked(!box->isChecked());
+    options->setVfoBChecked(!options->isVfoBChecked());
 }
 
 void DialixControl::buttonSubRxOnOff()
@@ -218,8 +213,7 @@ void DialixControl::buttonRitReset()
 
 void DialixControl::buttonIfAsRit()
 {
-    QCheckBox *box = options->ui->chbUseIf_Rit;
-    box->setChecked(!box->isChecked());
+    options->setUseIfRitChecked(!options->isUseIfRitChecked());
 }
 
 void DialixControl::buttonXitOnOff()
@@ -309,13 +303,13 @@ void DialixControl::buttonSwitchRxMuteFormer()
     if (!deviceManager)
         return;
     buttonSwitchReceiver();
-    QComboBox *box = options->ui->cbReceiver;
-    if (box->count() == 0)
+    const int count = options->receiverCount();
+    if (count == 0)
         return;
     // Only the newly selected receiver stays audible.
     const quint32 selected = rx();
     for (quint32 t = 0; deviceManager && t < deviceManager->tranceivers(); ++t) {
-        if (t >= quint32(box->count()))
+        if (t >= quint32(count))
             break;
         deviceManager->setMute(t, t != selected);
     }
@@ -376,38 +370,39 @@ void DialixControl::dialVolume(int value)
 {
     if (!deviceManager)
         return;
-    double volume = deviceManager->mainVolume() + scaled(options->ui->sbVolumeStep->value(), value);
+    double volume =
+        deviceManager->mainVolume() + scaled(options->step(DialixOptions::Step::Volume), value);
     volume = std::min(volume, VolumeMax);
     volume = std::max(volume, VolumeMin);
     deviceManager->setMainVolume(volume);
 }
 void DialixControl::dialMicGain(int value)
 {
-    codec->panelMicGain(rx(), scaled(options->ui->sbMicGainStep->value(), value));
+    codec->panelMicGain(rx(), scaled(options->step(DialixOptions::Step::MicGain), value));
 }
 void DialixControl::dialSql(int value)
 {
-    codec->panelSql(rx(), scaled(options->ui->sbSqlStep->value(), value));
+    codec->panelSql(rx(), scaled(options->step(DialixOptions::Step::Sql), value));
 }
 void DialixControl::dialFilterLow(int value)
 {
-    codec->panelFilterLow(rx(), scaled(options->ui->sbFilterLowStep->value(), value));
+    codec->panelFilterLow(rx(), scaled(options->step(DialixOptions::Step::FilterLow), value));
 }
 void DialixControl::dialFilterHigh(int value)
 {
-    codec->panelFilterHigh(rx(), scaled(options->ui->sbFilterHighStep->value(), value));
+    codec->panelFilterHigh(rx(), scaled(options->step(DialixOptions::Step::FilterHigh), value));
 }
 void DialixControl::dialFilterWidth(int value)
 {
-    codec->panelFilterWidth(rx(), scaled(options->ui->sbFilterWidthStep->value(), value));
+    codec->panelFilterWidth(rx(), scaled(options->step(DialixOptions::Step::FilterWidth), value));
 }
 void DialixControl::dialFilterShift(int value)
 {
-    codec->panelFilterShift(rx(), scaled(options->ui->sbFilterShiftStep->value(), value));
+    codec->panelFilterShift(rx(), scaled(options->step(DialixOptions::Step::FilterShift), value));
 }
 void DialixControl::dialDrive(int value)
 {
-    codec->panelDrive(rx(), scaled(options->ui->sbDriveStep->value(), value));
+    codec->panelDrive(rx(), scaled(options->step(DialixOptions::Step::Drive), value));
 }
 void DialixControl::dialIf(int value)
 {
@@ -415,7 +410,7 @@ void DialixControl::dialIf(int value)
 }
 void DialixControl::dialRfGain(int value)
 {
-    codec->panelRF(rx(), scaled(options->ui->sbRfGainStep->value(), value));
+    codec->panelRF(rx(), scaled(options->step(DialixOptions::Step::RfGain), value));
 }
 void DialixControl::dialCwSpeed(int value)
 {
@@ -453,7 +448,7 @@ void DialixControl::ifRule(int value)
 
 bool DialixControl::hasReceivers() const
 {
-    return options->ui->cbReceiver->count() > 0;
+    return options->receiverCount() > 0;
 }
 
 qint32 DialixControl::scaled(int step, int value)

@@ -7,20 +7,25 @@
 
 #include <memory>
 
-#include "ui_dialixoptions.h"
-
 class QSettings;
 class QSignalMapper;
+class QString;
+class QStringList;
 class QTimer;
+
+namespace Ui {
+class DialixOptions;
+}
 
 // The options page of one panel.
 //
 // The page holds the controls whose state the panel's controller reads live
 // (switches, receiver, PTT transfer, dial steps) and the picture of the panel:
-// one push button per key and dial push, and the VFO dial. The controller
-// reaches the controls through `ui` (object names as in dialixoptions.ui), gives
-// the buttons their function menus and labels, and restarts the dial-release
-// timers while a small dial turns.
+// one push button per key and dial push, and the VFO dial. The Designer form
+// stays private: the controller reads and sets the controls through the typed
+// functions below and hears their changes through the signals, finds the panel
+// buttons by object name (as in dialixoptions.ui) to give them their function
+// menus and labels, and restarts the dial-release timers while a small dial turns.
 //
 // The page stores nothing by itself; the controller calls the option-key
 // functions with its settings group open, and they use the sub-group "Options".
@@ -41,19 +46,73 @@ public:
     void writeHostOptionKeys(QSettings *settings);
     void readHostOptionKeys(QSettings *settings);
 
+    // The step spin boxes: how far one click of a dial moves its function.
+    enum class Step {
+        Volume,
+        MicGain,
+        Sql,
+        FilterHigh,
+        FilterLow,
+        FilterWidth,
+        FilterShift,
+        Drive,
+        RfGain
+    };
+    int step(Step which) const;
+
+    bool isEnabledChecked() const;
+    bool isKeyLedChecked() const;
+    bool isEncoderLedChecked() const;
+    bool isUseIfChecked() const;
+    void setUseIfChecked(bool on);
+    bool isUseIfRitChecked() const;
+    void setUseIfRitChecked(bool on);
+    bool isVfoBChecked() const;
+    void setVfoBChecked(bool on);
+
+    // The receiver choice: one item per name, the first one current; -1 while empty.
+    void setReceiverNames(const QStringList &names);
+    int receiverCount() const;
+    int receiver() const;
+    void setReceiver(int index);
+    // Sets every item's text again, so that the box lays its items out anew.
+    void refreshReceiverTexts();
+
+    int pttTransferMode() const;
+    void setPttPortVisible(bool visible);
+    void setDeviceListVisible(bool visible);
+    void setPortNames(const QStringList &names);
+    QString portName() const;
+    bool isPortEnabledChecked() const;
+    void setPortEnabledChecked(bool on);
+    bool isDtrChecked() const;
+    bool isRtsChecked() const;
+
+    // Turns the VFO dial's picture by `steps`, wrapping at its maximum.
+    void turnVfoDial(int steps);
+
     // Maps timer i to unpressDial1(i).
     QSignalMapper *signalMapper = nullptr;
     // Release timers of the dial buttons, index 0 to 3 (single-shot, 50 ms). Timer j
     // restarted by the controller un-lights "pbDial" + j when it fires.
     QList<QTimer *> timers;
-    std::unique_ptr<Ui::DialixOptions> ui;
 
 signals:
     void setLedKey(bool state);
     void setLedEncoder(bool state);
+    // The controls' own changes, passed on.
+    void enableToggled(bool on);
+    void vfoBToggled(bool on);
+    void receiverChanged(int index);
+    void pttTransferChanged(int index);
+    void portEnableToggled(bool on);
 
 public slots:
     // Un-lights pbDial1..pbDial3 for value 1..3 and stops that timer; any other
     // value does nothing.
     void unpressDial1(int value);
+
+private:
+    friend class DialixTestAccess;
+    std::unique_ptr<Ui::DialixOptions> ui;
 };
