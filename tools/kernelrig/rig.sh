@@ -65,7 +65,7 @@ say "kernel $kver and busybox ready after $((SECONDS - start)) s"
 # --- the initramfs ----------------------------------------------------------
 HOSTBIN="$BUILD/tools/host/dialix-host"
 PROGRAMS=("$BUILD/tools/probe/dialix-probe" "$HOSTBIN" "$BUILD/tools/kernelrig/dialix-uhidpanel"
-          "$BUILD/tests/keys/tst_senderkeytosystemlinux")
+          "$BUILD/tests/keys/tst_senderkeytosystemlinux" "$BUILD/tools/kernelrig/libdialix-rig-nohotplug.so")
 PLUGIN=$(find "$BUILD/plugins" -name libdialix.so | head -n1)
 OFFSCREEN=$(find /usr/lib/x86_64-linux-gnu/qt5/plugins/platforms -name libqoffscreen.so | head -n1)
 for f in "${PROGRAMS[@]}" "$PLUGIN" "$OFFSCREEN"; do

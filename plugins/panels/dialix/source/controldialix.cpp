@@ -26,15 +26,6 @@
 
 namespace {
 
-// The subsystem whose device changes make the root count its panels again.
-// DIALIX_HOTPLUG_SUBSYSTEM replaces it, so that a test can drive the real
-// monitor with a device it can create (a tun interface is "net").
-QByteArray hotplugSubsystem()
-{
-    const QByteArray chosen = qgetenv("DIALIX_HOTPLUG_SUBSYSTEM");
-    return chosen.isEmpty() ? QByteArrayLiteral("hidraw") : chosen;
-}
-
 // Keeps a controller whose panel is closing right now, further up this
 // thread's stack (the host deleted the root from inside that), until the
 // close has returned.
@@ -63,6 +54,10 @@ void giveCwKey(DialixControl &controller, CwKeyControlAbstract *key)
 } // namespace
 
 ControlDialix::ControlDialix()
+    : ControlDialix(nullptr)
+{ }
+
+ControlDialix::ControlDialix(std::unique_ptr<DeviceWatcher> otherWatcher)
     : DialixAbstract(nullptr)
 {
     // Every text of the pages built below is looked up in the operator's
@@ -96,7 +91,10 @@ ControlDialix::ControlDialix()
     if (QCoreApplication *app = QCoreApplication::instance())
         app->installNativeEventFilter(this);
 
-    watcher = new DeviceWatcher(hotplugSubsystem(), this);
+    // The panels' own subsystem: a change of any hidraw node counts them again.
+    watcher = otherWatcher ? otherWatcher.release()
+                           : new PlatformDeviceWatcher(QByteArrayLiteral("hidraw"));
+    watcher->setParent(this);
     connect(watcher, &DeviceWatcher::deviceChanged, this, &ControlDialix::deviceChanged);
 
     connect(codec.get(), &qrvCommand::sDeviceChanged, this, &ControlDialix::deviceChanged);
@@ -211,7 +209,7 @@ void ControlDialix::setManager(DeviceManagerAbstract *m)
 bool ControlDialix::nativeEventFilter(const QByteArray &eventType, void *message, long *result)
 {
     Q_UNUSED(result)
-    if (DeviceWatcher::isDeviceTreeChange(eventType, message))
+    if (PlatformDeviceWatcher::isDeviceTreeChange(eventType, message))
         deviceChanged();
     return false;
 }

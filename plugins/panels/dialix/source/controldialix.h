@@ -36,7 +36,10 @@ public:
     // Delay between readSettings() and the re-opening of the enabled panels.
     static constexpr int DeferredStartMs = 500;
 
+    // The plug-in loader's: the platform's own watcher reports device changes.
     ControlDialix();
+    // With another source of device changes; null makes the platform's own.
+    explicit ControlDialix(std::unique_ptr<DeviceWatcher> watcher);
     ~ControlDialix() override;
 
     QString name() const override;

@@ -22,7 +22,7 @@ QByteArray monitorSource()
 
 } // namespace
 
-struct DeviceWatcher::Private
+struct PlatformDeviceWatcher::Private
 {
     QByteArray subsystem;
     QByteArray source;
@@ -81,8 +81,8 @@ struct DeviceWatcher::Private
     }
 };
 
-DeviceWatcher::DeviceWatcher(const QByteArray &subsystem, QObject *parent)
-    : QObject(parent)
+PlatformDeviceWatcher::PlatformDeviceWatcher(const QByteArray &subsystem, QObject *parent)
+    : DeviceWatcher(parent)
     , d(new Private)
 {
     d->subsystem = subsystem;
@@ -95,29 +95,29 @@ DeviceWatcher::DeviceWatcher(const QByteArray &subsystem, QObject *parent)
     });
 }
 
-DeviceWatcher::~DeviceWatcher()
+PlatformDeviceWatcher::~PlatformDeviceWatcher()
 {
     // The notifier must go before the monitor closes its descriptor.
     delete d->notifier;
     d->notifier = nullptr;
 }
 
-bool DeviceWatcher::isActive() const
+bool PlatformDeviceWatcher::isActive() const
 {
     return d->notifier != nullptr;
 }
 
-QString DeviceWatcher::source() const
+QString PlatformDeviceWatcher::source() const
 {
     return QString::fromLatin1(d->source);
 }
 
-QString DeviceWatcher::errorString() const
+QString PlatformDeviceWatcher::errorString() const
 {
     return d->error;
 }
 
-bool DeviceWatcher::isDeviceTreeChange(const QByteArray &eventType, void *message)
+bool PlatformDeviceWatcher::isDeviceTreeChange(const QByteArray &eventType, void *message)
 {
     Q_UNUSED(eventType)
     Q_UNUSED(message)

@@ -11,35 +11,35 @@
 // filter sees them and asks isDeviceTreeChange(). No device-interface
 // notification is registered, so the watcher object has nothing to do.
 
-struct DeviceWatcher::Private
+struct PlatformDeviceWatcher::Private
 {
 };
 
-DeviceWatcher::DeviceWatcher(const QByteArray &subsystem, QObject *parent)
-    : QObject(parent)
+PlatformDeviceWatcher::PlatformDeviceWatcher(const QByteArray &subsystem, QObject *parent)
+    : DeviceWatcher(parent)
     , d(new Private)
 {
     Q_UNUSED(subsystem)
 }
 
-DeviceWatcher::~DeviceWatcher() = default;
+PlatformDeviceWatcher::~PlatformDeviceWatcher() = default;
 
-bool DeviceWatcher::isActive() const
+bool PlatformDeviceWatcher::isActive() const
 {
     return false;
 }
 
-QString DeviceWatcher::source() const
+QString PlatformDeviceWatcher::source() const
 {
     return QString();
 }
 
-QString DeviceWatcher::errorString() const
+QString PlatformDeviceWatcher::errorString() const
 {
     return QStringLiteral("device changes arrive as window messages");
 }
 
-bool DeviceWatcher::isDeviceTreeChange(const QByteArray &eventType, void *message)
+bool PlatformDeviceWatcher::isDeviceTreeChange(const QByteArray &eventType, void *message)
 {
     Q_UNUSED(eventType)
     const MSG *msg = static_cast<const MSG *>(message);
