@@ -24,8 +24,13 @@ class tst_SenderKeyToSystem : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        auto recorder = std::make_unique<RecordingPlatform>();
+        m_recorder = recorder.get();
+        m_saved = SenderKeyToSystem::instance()->setPlatform(std::move(recorder));
+    }
+    void cleanup() { SenderKeyToSystem::instance()->setPlatform(std::move(m_saved)); }
     void injectedKeys_data();
     void injectedKeys();
     void oneObjectPerProcess();
@@ -34,19 +39,6 @@ private:
     RecordingPlatform *m_recorder = nullptr;
     std::unique_ptr<SenderKeyToSystemPlatform> m_saved;
 };
-
-void tst_SenderKeyToSystem::init()
-{
-    auto recorder = std::make_unique<RecordingPlatform>();
-    m_recorder = recorder.get();
-    m_saved = SenderKeyToSystem::instance()->setPlatform(std::move(recorder));
-}
-
-void tst_SenderKeyToSystem::cleanup()
-{
-    SenderKeyToSystem::instance()->setPlatform(std::move(m_saved));
-    m_recorder = nullptr;
-}
 
 void tst_SenderKeyToSystem::injectedKeys_data()
 {
@@ -68,10 +60,8 @@ void tst_SenderKeyToSystem::injectedKeys_data()
     QTest::newRow("mute") << int(Qt::Key_VolumeMute) << 0xAD << KEY_MUTE;
     QTest::newRow("previous track") << int(Qt::Key_MediaPrevious) << 0xB1 << KEY_PREVIOUSSONG;
     QTest::newRow("play/pause") << int(Qt::Key_MediaTogglePlayPause) << 0xB3 << KEY_PLAYPAUSE;
-    // Not injected (0, 0): between comma and the digits, neighbours of table
-    // entries, and codes no key has.
+    // Not injected (0, 0): neighbours of table entries, and codes no key has.
     QTest::newRow("period") << int(Qt::Key_Period) << 0 << 0;
-    QTest::newRow("slash") << int(Qt::Key_Slash) << 0 << 0;
     QTest::newRow("colon after 9") << int(Qt::Key_Colon) << 0 << 0;
     QTest::newRow("bass boost after volume up") << int(Qt::Key_BassBoost) << 0 << 0;
     QTest::newRow("keypad 5 with modifier bit") << int(Qt::KeypadModifier | Qt::Key_5) << 0 << 0;
