@@ -205,15 +205,6 @@ std::vector<Change> changes()
     return s.log;
 }
 
-void reset()
-{
-    State &s = state();
-    std::lock_guard<std::mutex> lock(s.mutex);
-    s.lines.clear();
-    s.settings.clear();
-    s.log.clear();
-}
-
 void forget(int pty)
 {
     State &s = state();

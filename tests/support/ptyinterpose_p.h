@@ -26,7 +26,6 @@ int ptyOfPath(const char *path);
 int lines(int pty);
 void setInputs(int pty, int bits);
 std::vector<Change> changes();
-void reset();
 // Forgets the state and log of one pty (its index is being reused).
 void forget(int pty);
 

@@ -59,24 +59,6 @@ int lines(const QString &port)
     return pty < 0 ? -1 : PtyLineState::lines(pty);
 }
 
-int lines(int fd)
-{
-    const int pty = PtyLineState::ptyOfDescriptor(fd);
-    return pty < 0 ? -1 : PtyLineState::lines(pty);
-}
-
-bool dtr(const QString &port)
-{
-    const int bits = lines(port);
-    return bits >= 0 && (bits & Dtr);
-}
-
-bool rts(const QString &port)
-{
-    const int bits = lines(port);
-    return bits >= 0 && (bits & Rts);
-}
-
 bool setInputs(const QString &port, int bits)
 {
     const int pty = ptyOf(port);
@@ -103,11 +85,6 @@ QVector<Change> changes(const QString &port)
             result.append(toChange(raw));
     }
     return result;
-}
-
-void reset()
-{
-    PtyLineState::reset();
 }
 
 QString describe(int bits)
@@ -187,11 +164,6 @@ QByteArray PtyPort::read(int timeoutMs)
         pollfd fd = {m_master, POLLIN, 0};
         poll(&fd, 1, static_cast<int>(left));
     }
-}
-
-bool PtyPort::write(const QByteArray &data)
-{
-    return m_master >= 0 && ::write(m_master, data.constData(), data.size()) == data.size();
 }
 
 int PtyPort::lines() const

@@ -33,12 +33,11 @@
 //     port.open(QIODevice::ReadWrite);
 //     QCOMPARE(pty.lines() & ModemLines::Output, 0);
 //     port.setDataTerminalReady(true);
-//     QVERIFY(ModemLines::dtr(pty.portName()));
-//     ModemLines::changes(pty.portName());  // open, then each write
+//     QCOMPARE(pty.lines() & ModemLines::Output, int(ModemLines::Dtr));
+//     pty.changes();                      // open, then each write
 //
 // The state is process-wide. A new PtyPort starts with all lines low and an
-// empty log for its pty (pty numbers are reused); ModemLines::reset() forgets
-// everything.
+// empty log for its pty (pty numbers are reused).
 
 #include <QByteArray>
 #include <QString>
@@ -84,13 +83,9 @@ struct Change
 // that relies on the emulation should verify this first.
 bool isActive();
 
-// The line bits of the pty at `port` (a path, symlinks followed) or of the
-// pty slave open as `fd`; 0 for a pty the emulation has not seen, -1 when it
-// is not a pty slave.
+// The line bits of the pty at `port` (a path, symlinks followed); 0 for a pty
+// the emulation has not seen, -1 when it is not a pty slave.
 int lines(const QString &port);
-int lines(int fd);
-bool dtr(const QString &port);
-bool rts(const QString &port);
 
 // Sets the inputs (Cts, Dsr, Cd, Ri) that the far end drives; output bits in
 // `bits` are ignored. Returns false when `port` is not a pty slave.
@@ -99,9 +94,6 @@ bool setInputs(const QString &port, int bits);
 // The log of line changes, oldest first: of every pty, or of one.
 QVector<Change> changes();
 QVector<Change> changes(const QString &port);
-
-// Forgets every line state and the log. Descriptors stay open.
-void reset();
 
 // "DTR|RTS", "-" for none: for failure messages.
 QString describe(int bits);
@@ -127,8 +119,6 @@ public:
 
     // The slave's path, "/dev/pts/N".
     QString portName() const { return m_name; }
-    // Master descriptor (non-blocking).
-    int farEnd() const { return m_master; }
 
     // The slave's terminal settings, as last set by the port.
     struct termios settings() const;
@@ -136,7 +126,6 @@ public:
     // What the port sent: waits up to `timeoutMs` for the first bytes, then
     // returns everything that has arrived.
     QByteArray read(int timeoutMs = 5000);
-    bool write(const QByteArray &data);
 
     // ModemLines for this pty.
     int lines() const;
