@@ -84,8 +84,15 @@ chmod +x "$STAGE/init"
 for f in "${PROGRAMS[@]}" "$PLUGIN" "$OFFSCREEN" /bin/udevadm; do
     ldd "$f" | awk '/=> \//{print $3} /^\t\/lib/{print $1}'
 done | sort -u | while read -r lib; do
-    mkdir -p "$STAGE$(dirname "$lib")"
-    cp -L "$lib" "$STAGE$lib"
+    # Our own shared libraries are found through the build tree's RUNPATH,
+    # which does not exist in the guest (and may lie under its fresh /tmp):
+    # they go where the guest's loader looks by default.
+    case "$lib" in
+    /lib/* | /lib64/* | /usr/lib/*) dest="$lib" ;;
+    *) dest="/usr/lib/x86_64-linux-gnu/$(basename "$lib")" ;;
+    esac
+    mkdir -p "$STAGE$(dirname "$dest")"
+    cp -L "$lib" "$STAGE$dest"
 done
 printf 'root:x:0:0:root:/root:/bin/sh\noperator:x:1000:1000:operator:/tmp:/bin/sh\n' >"$STAGE/etc/passwd"
 printf 'root:x:0:\ndialout:x:20:\nplugdev:x:46:operator\noperator:x:1000:\n' >"$STAGE/etc/group"
