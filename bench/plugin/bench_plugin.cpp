@@ -18,8 +18,8 @@
 // Figures: plug-in load to first tab and the memory it adds; panel event to host
 // latency; sustained input at 1000 reports/s; the report rate at which the GUI
 // thread falls behind; VFO encoder coalescing and its CPU; idle CPU and CPU with
-// failing reads; one hot-plug cycle per open panel; 1, 2 and 4 panels under the
-// same stream each.
+// failing reads; one hot-plug cycle per open panel; how long a held PTT is
+// released across a device change; 1, 2 and 4 panels under the same stream each.
 //
 // Prints its figures through measure::Report (a table, then one JSON line).
 // BENCH_SCALE (default 1) scales the measuring times; BENCH_PHASES picks phases.
@@ -27,9 +27,11 @@
 #include "bench/measure.h"
 #include "command/commandtable.h"
 #include "interfaces/dialixabstract.h"
+#include "tools/host/radiomodel.h"
 #include "tools/virtualpanel/virtualpanel.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
@@ -85,7 +87,7 @@ qint64 nowNs()
 }
 
 // BENCH_PHASES (comma-separated: idle, latency, sustained, saturation, vfo,
-// failing, shown, hotplug, two, scaling) runs only those phases; all of them by
+// failing, shown, hotplug, ptt, two, scaling) runs only those phases; all of them by
 // default. A profiler run takes the phases it looks at.
 bool phase(const char *name)
 {
@@ -651,6 +653,60 @@ double hotplugCycleMs(QObject *root, int cycles)
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count() / cycles;
 }
 
+// A held PTT through device changes: the plug-in releases it while the panel
+// is closed and keys it again at the panel's first report after it reopens.
+// Times the release the radio sees, for a panel that repeats its state every
+// 1 ms and every 8 ms.
+void heldPttGap(DialixAbstract *plugin, QTabWidget *tabs, int panel)
+{
+    RadioModel radio(2);
+    std::vector<std::pair<bool, qint64>> edges; // PTT as the radio sees it
+    QObject::connect(&radio, &DeviceManagerAbstract::txTransfer,
+                     [&edges](quint32, bool state) { edges.emplace_back(state, nowNs()); });
+    plugin->setManager(&radio);
+    auto *transfer = tabs->widget(0)->findChild<QComboBox *>(QStringLiteral("cbPttTransfer"));
+    const int mode = transfer->currentIndex();
+    transfer->setCurrentIndex(1); // PTT to the host
+    // Dispatches events until the radio has seen `count` edges (or 2 s pass).
+    QTimer wake; // WaitForMoreEvents never sleeps longer than this
+    wake.start(100);
+    auto awaitEdges = [&edges](std::size_t count) {
+        const auto deadline = Clock::now() + std::chrono::seconds(2);
+        while (edges.size() < count && Clock::now() < deadline)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        return edges.size() >= count;
+    };
+    vp::setPtt(panel, true);
+    awaitEdges(1);
+    const int cycles = std::max(20, int(20 * scale()));
+    for (const int interval : {1, 8}) {
+        const QString ms = QStringLiteral("_%1ms").arg(interval);
+        vp::setReportInterval(panel, interval);
+        std::vector<double> gaps;
+        for (int i = 0; i < cycles; ++i) {
+            const std::size_t before = edges.size();
+            plugin->setCommand(QVariantList {int(qrv::Id::deviceChanged)});
+            if (!awaitEdges(before + 2) || edges[before].first || !edges[before + 1].first)
+                break;
+            gaps.push_back(double(edges[before + 1].second - edges[before].second) / 1e6);
+        }
+        const bool complete = int(gaps.size()) == cycles;
+        add("held_ptt_gap_p50" + ms, complete ? percentile(gaps, 50) : -1, "ms",
+            complete ? QStringLiteral("PTT released across a device change; the panel repeats "
+                                      "its state every %1 ms; %2 changes, min %3 ms")
+                           .arg(interval)
+                           .arg(cycles)
+                           .arg(*std::min_element(gaps.begin(), gaps.end()), 0, 'f', 2)
+                     : QStringLiteral("PTT NOT KEYED AGAIN after change %1").arg(gaps.size() + 1));
+        add("held_ptt_gap_max" + ms, complete ? percentile(gaps, 100) : -1, "ms");
+    }
+    vp::setReportInterval(panel, 0);
+    vp::setPtt(panel, false);
+    awaitEdges(edges.size() + 1);
+    transfer->setCurrentIndex(mode);
+    plugin->setManager(nullptr);
+}
+
 // Plugs panels until `panels` holds `count` and lets the plug-in open them all.
 bool openPanels(QObject *root, std::vector<int> &panels, int count)
 {
@@ -834,6 +890,8 @@ int main(int argc, char **argv)
 
     if (phase("hotplug"))
         add("hotplug_cycle_per_panel", hotplugCycleMs(plugin, 10), "ms", "1 panel open");
+    if (phase("ptt"))
+        heldPttGap(plugin, tabs, panel1);
 
     if (phase("two")) {
         openPanels(plugin, panels, 2);

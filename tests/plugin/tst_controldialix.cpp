@@ -24,7 +24,6 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <memory>
 
 // The plug-in as the host sees it: loaded with QPluginLoader from the module
@@ -201,8 +200,7 @@ void tst_ControlDialix::heldPttThroughRootCycles_data()
 }
 
 // A held PTT is released whichever way the root stops the panel, and keys
-// again when the panel reopens still held. Prints how long the host saw PTT
-// released across a device change (a panel that repeats its state every 8 ms).
+// again when the panel reopens still held (it repeats its state every 8 ms).
 void tst_ControlDialix::heldPttThroughRootCycles()
 {
     QFETCH(QString, how);
@@ -213,51 +211,21 @@ void tst_ControlDialix::heldPttThroughRootCycles()
     Manager radio(2);
     root->setManager(&radio);
     QList<bool> seen;
-    QList<qint64> when;
-    QElapsedTimer clock;
-    clock.start();
-    connect(&radio, &DeviceManagerAbstract::txTransfer, this, [&](quint32, bool state) {
-        seen << state;
-        when << clock.nsecsElapsed();
-    });
+    connect(&radio, &DeviceManagerAbstract::txTransfer, this,
+            [&seen](quint32, bool state) { seen << state; });
     page(0)->findChild<QComboBox *>(QStringLiteral("cbPttTransfer"))->setCurrentIndex(1);
     enable(0);
     VirtualPanel::setPtt(panel, true);
     QTRY_COMPARE_WITH_TIMEOUT(seen, QList<bool> {true}, Timeout);
 
-    if (how == QLatin1String("stays")) {
-        QTimer wake; // the loop below never sleeps longer than this
-        wake.start(100);
-        for (int interval : {1, 8}) {
-            VirtualPanel::setReportInterval(panel, interval);
-            QList<double> gaps;
-            QList<double> cycles;
-            for (int i = 0; i < 20; ++i) {
-                const int before = seen.size();
-                const qint64 start = clock.nsecsElapsed();
-                root->setCommand(QVariantList {109});
-                cycles << (clock.nsecsElapsed() - start) / 1e6;
-                while (seen.size() < before + 2 && clock.elapsed() < Timeout * 10)
-                    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-                QCOMPARE(seen.mid(before), (QList<bool> {false, true}));
-                gaps << (when.at(before + 1) - when.at(before)) / 1e6;
-            }
-            std::sort(gaps.begin(), gaps.end());
-            std::sort(cycles.begin(), cycles.end());
-            qInfo("report interval %d ms: PTT released for %.3f / %.3f / %.3f ms, after cycles "
-                  "of %.1f / %.1f / %.1f ms (min / median / max of 20)",
-                  interval, gaps.first(), gaps.at(10), gaps.last(), cycles.first(), cycles.at(10),
-                  cycles.last());
-        }
-        seen = seen.mid(0, 2) << seen.last();
-    } else if (how == QLatin1String("unplugged")) {
+    if (how == QLatin1String("unplugged"))
         VirtualPanel::unplug(panel);
-        root->setCommand(QVariantList {109});
-    } else if (how == QLatin1String("close")) {
+    if (how == QLatin1String("close"))
         root->closeDevices();
-    } else {
+    else if (how == QLatin1String("delete"))
         delete root.data();
-    }
+    else
+        root->setCommand(QVariantList {109});
     QTRY_COMPARE_WITH_TIMEOUT(seen, host, Timeout);
     QTest::qWait(50);
     QCOMPARE(seen, host);
