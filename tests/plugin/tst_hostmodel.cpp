@@ -16,9 +16,6 @@ private slots:
     void commandText_data();
     void commandText();
     void moxSignalsChangesOfKnownReceiversOnly();
-    void volumeStaysInRange_data();
-    void volumeStaysInRange();
-    void lockHoldsTheVfo();
     void pttFromCwKeyKeysTransmitter();
 };
 
@@ -67,39 +64,6 @@ void tst_HostModel::moxSignalsChangesOfKnownReceiversOnly()
     QCOMPARE(spy.at(0), (QVariantList {1u, true}));
     QCOMPARE(spy.at(1), (QVariantList {1u, false}));
     QVERIFY(!radio.mox(1) && !radio.mox(2));
-}
-
-void tst_HostModel::volumeStaysInRange_data()
-{
-    QTest::addColumn<double>("start");
-    QTest::addColumn<double>("step");
-    QTest::addColumn<double>("result");
-    QTest::newRow("inside") << -20.0 << 5.0 << -15.0;
-    QTest::newRow("top") << -2.0 << 5.0 << 0.0;
-    QTest::newRow("bottom") << -58.0 << -5.0 << -60.0;
-}
-
-void tst_HostModel::volumeStaysInRange()
-{
-    QFETCH(double, start);
-    QFETCH(double, step);
-    QFETCH(double, result);
-    RadioModel radio(1);
-    radio.setMainVolume(start);
-    radio.setVolume(0, radio.volume(0) + step);
-    QCOMPARE(radio.mainVolume(), result);
-}
-
-void tst_HostModel::lockHoldsTheVfo()
-{
-    RadioModel radio(1);
-    const double before = radio.frequency(0, 0);
-    radio.setLock(0, true);
-    radio.tune(0, 0, 100.0);
-    QCOMPARE(radio.frequency(0, 0), before);
-    radio.setLock(0, false);
-    radio.tune(0, 0, 100.0);
-    QCOMPARE(radio.frequency(0, 0), before + 100.0);
 }
 
 void tst_HostModel::pttFromCwKeyKeysTransmitter()
