@@ -359,9 +359,7 @@ bool ControlDialix::deferredStart()
 {
     try {
         std::async(std::launch::async, [this] { reopenPanels(); }).get();
-    } catch (const std::system_error &e) {
-        qCDebug(dialixLog) << Q_FUNC_INFO << e.what();
-    } catch (const std::exception &e) {
+    } catch (const std::exception &e) { // std::system_error when no thread can be made
         qCDebug(dialixLog) << Q_FUNC_INFO << e.what();
     }
     return true;
