@@ -436,9 +436,11 @@ bool readOptionsFile(QIODevice &device, QSettings::SettingsMap &map)
                 ++close;
             const QByteArray name = data.mid(line.start + 1, close - line.start - 1).trimmed();
             section.clear();
-            if (qstricmp(name.constData(), "%general") == 0)
+            // Compared over the whole name, as QSettings does: a NUL inside
+            // it does not end the name.
+            if (name.compare("%general", Qt::CaseInsensitive) == 0)
                 section = QString::fromLatin1(name.mid(1)) + QLatin1Char('/');
-            else if (qstricmp(name.constData(), "general") != 0)
+            else if (name.compare("general", Qt::CaseInsensitive) != 0)
                 section = unescapeName(name, 0, name.size()) + QLatin1Char('/');
             keys = &sections[section];
             continue;
@@ -477,7 +479,7 @@ bool writeOptionsFile(QIODevice &device, const QSettings::SettingsMap &map)
         const QByteArray name = escapeName(it.key());
         if (name.isEmpty())
             block += "[General]";
-        else if (qstricmp(name.constData(), "general") == 0)
+        else if (name.compare("general", Qt::CaseInsensitive) == 0)
             block += "[%General]";
         else
             block += '[' + name + ']';
