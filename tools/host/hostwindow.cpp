@@ -20,12 +20,12 @@ HostWindow::HostWindow(PluginHost *host, bool virtualPanels, QWidget *parent)
     ui->pbPlug->setVisible(virtualPanels);
     ui->pbUnplug->setVisible(virtualPanels);
 
-    RadioModel *radio = host->radio();
-    connect(radio, &RadioModel::changed, this, [this](const QString &line) {
+    RadioBackend *radio = host->radio();
+    connect(radio, &RadioBackend::changed, this, [this](const QString &line) {
         log(tr("radio: %1").arg(line));
         refreshRadio();
     });
-    connect(radio, &RadioModel::moxChanged, this, [this](quint32 trx, bool state) {
+    connect(radio, &RadioBackend::moxChanged, this, [this](quint32 trx, bool state) {
         if (trx == 0) {
             const QSignalBlocker block(ui->chbMox);
             ui->chbMox->setChecked(state);
@@ -63,24 +63,5 @@ void HostWindow::log(const QString &line)
 
 void HostWindow::refreshRadio()
 {
-    const RadioModel *radio = host->radio();
-    QStringList lines;
-    for (quint32 rx = 0; rx < radio->receivers(); ++rx) {
-        lines << tr("RX%1  %2  %3  %4   A %5 MHz  B %6 MHz")
-                     .arg(rx + 1)
-                     .arg(radio->band(rx), -4)
-                     .arg(radio->mode(rx), -4)
-                     .arg(radio->muted(rx) ? tr("muted")
-                                           : tr("%1 dB").arg(radio->volume(rx), 0, 'f', 1))
-                     .arg(radio->frequency(rx, 0) / 1e6, 0, 'f', 6)
-                     .arg(radio->frequency(rx, 1) / 1e6, 0, 'f', 6);
-        lines << tr("      MOX %1  RIT %2  XIT %3  lock %4  VOX %5")
-                     .arg(radio->mox(rx) ? tr("on") : tr("off"),
-                          radio->rit(rx) ? tr("on") : tr("off"),
-                          radio->xit(rx) ? tr("on") : tr("off"),
-                          radio->lock(rx) ? tr("on") : tr("off"),
-                          radio->vox(rx) ? tr("on") : tr("off"));
-    }
-    lines << tr("Mixer mode %1").arg(radio->mixerMode());
-    ui->lbRadio->setText(lines.join(QLatin1Char('\n')));
+    ui->lbRadio->setText(host->radio()->describe());
 }

@@ -3,6 +3,8 @@
 // over them.
 //
 //   dialix-host [--plugin PATH] [--script] [--screenshots DIR] [--settings FILE]
+//               [--rig HOST:PORT | --rig-model N [--rig-port DEVICE] [--rig-speed BAUD]]
+//               [--rig-trace] [--rig-map]
 //
 // --script plays a scripted operator session, prints every command the
 // plug-in sends and every LED change, saves screenshots and exits (0 when all
@@ -12,14 +14,23 @@
 // SIGINT; either way it closes the panels as the real host does. The plug-in's
 // tabs are printed whenever their number changes.
 //
+// Without --rig or --rig-model the panel drives the host's simulated radio.
+// --rig joins a running rigctld; --rig-model starts rigctld for that Hamlib
+// model on a free loopback port and stops it at exit. --rig-trace prints every
+// line exchanged with rigctld, --rig-map the table from panel commands to
+// Hamlib commands.
+//
 // By default the host loads the virtual-panel plug-in from where the package
 // installs it beside the program (or from the build tree), and keeps its
 // settings and screenshots in the user's folders (~/.config/dialix-host,
 // ~/Pictures/dialix-host).
 
 #include "command/qrvcommand.h"
+#include "hamlibradio.h"
 #include "hostwindow.h"
 #include "pluginhost.h"
+#include "rigctldprocess.h"
+#include "rigmap.h"
 #include "session.h"
 #include "tools/virtualpanel/virtualpanel.h"
 #include "virtualpanelwindow.h"
@@ -145,8 +156,35 @@ int main(int argc, char *argv[])
         QStringLiteral("settings"), QApplication::translate("main", "The host's settings file."),
         QStringLiteral("file"),
         userPath(QStandardPaths::AppConfigLocation, QStringLiteral("host.ini")));
-    parser.addOptions({pluginOption, sessionOption, shotsOption, settingsOption});
+    const QCommandLineOption rigOption(
+        QStringLiteral("rig"), QApplication::translate("main", "Join the rigctld at this address."),
+        QStringLiteral("host:port"));
+    const QCommandLineOption rigModelOption(
+        QStringLiteral("rig-model"),
+        QApplication::translate("main", "Start rigctld for this Hamlib radio model."),
+        QStringLiteral("n"));
+    const QCommandLineOption rigPortOption(
+        QStringLiteral("rig-port"),
+        QApplication::translate("main", "The radio's serial port or address, for --rig-model."),
+        QStringLiteral("device"));
+    const QCommandLineOption rigSpeedOption(
+        QStringLiteral("rig-speed"),
+        QApplication::translate("main", "The radio's serial speed, for --rig-model."),
+        QStringLiteral("baud"));
+    const QCommandLineOption rigTraceOption(
+        QStringLiteral("rig-trace"),
+        QApplication::translate("main", "Print every line exchanged with rigctld."));
+    const QCommandLineOption rigMapOption(
+        QStringLiteral("rig-map"),
+        QApplication::translate("main", "Print how panel commands reach a Hamlib radio and exit."));
+    parser.addOptions({pluginOption, sessionOption, shotsOption, settingsOption, rigOption,
+                       rigModelOption, rigPortOption, rigSpeedOption, rigTraceOption,
+                       rigMapOption});
     parser.process(args);
+    if (parser.isSet(rigMapOption)) {
+        out() << rig::tableText() << Qt::endl;
+        return 0;
+    }
     // The session starts from the plug-in's defaults: it forgets the panel
     // assignments that earlier runs left beside the host.
     if (parser.isSet(sessionOption))
@@ -158,6 +196,47 @@ int main(int argc, char *argv[])
     const int firstPanel = VirtualPanel::plug(QStringLiteral("DLX0001"));
 
     PluginHost host;
+
+    // A Hamlib radio instead of the simulated one.
+    RigctldProcess rigctld;
+    HamlibRadio hamlib;
+    const bool useRig = parser.isSet(rigOption) || parser.isSet(rigModelOption);
+    if (useRig) {
+        QString rigHost = QStringLiteral("127.0.0.1");
+        int rigPort = 4532;
+        if (parser.isSet(rigOption)) {
+            const QString address = parser.value(rigOption);
+            const int colon = address.lastIndexOf(QLatin1Char(':'));
+            if (colon > 0) {
+                rigHost = address.left(colon);
+                rigPort = address.mid(colon + 1).toInt();
+            } else if (!address.isEmpty()) {
+                rigHost = address;
+            }
+        } else {
+            RigctldProcess::Radio radio;
+            radio.model = parser.value(rigModelOption).toInt();
+            radio.device = parser.value(rigPortOption);
+            radio.speed = parser.value(rigSpeedOption).toInt();
+            if (!rigctld.start(radio)) {
+                print(QStringLiteral("error"), rigctld.errorString());
+                return 1;
+            }
+            rigPort = rigctld.port();
+            print(QStringLiteral("rigctld"), QStringLiteral("rigctld %1").arg(rigctld.arguments().join(QLatin1Char(' '))));
+            QObject::connect(&rigctld, &RigctldProcess::ended, &app,
+                             [](const QString &why) { print(QStringLiteral("error"), why); });
+        }
+        if (rigPort <= 0 || rigPort > 65535) {
+            print(QStringLiteral("error"), QStringLiteral("not a rigctld address: %1").arg(parser.value(rigOption)));
+            return 1;
+        }
+        if (parser.isSet(rigTraceOption))
+            QObject::connect(hamlib.connection(), &RigctlConnection::trace, &app,
+                             [](const QString &line) { print(QStringLiteral("rigctl"), line); });
+        host.setRadio(&hamlib);
+        hamlib.open(rigHost, quint16(rigPort));
+    }
     // QPluginLoader looks for relative names in the library paths; the user
     // means the current directory.
     QString path = parser.value(pluginOption);
@@ -192,7 +271,7 @@ int main(int argc, char *argv[])
     QObject::connect(
         &host, &PluginHost::commandReceived, &app,
         [](const QVariant &, const QString &text) { print(QStringLiteral("command"), text); });
-    QObject::connect(host.radio(), &RadioModel::changed, &app,
+    QObject::connect(host.radio(), &RadioBackend::changed, &app,
                      [](const QString &line) { print(QStringLiteral("radio"), line); });
     QObject::connect(host.cwKey(), &HostCwKey::key, &app,
                      [](quint32 trx, quint32 src, bool dash, bool dot) {
@@ -300,6 +379,8 @@ int main(int argc, char *argv[])
     }
     const int code = app.exec();
     host.shutDown();
+    if (useRig)
+        hamlib.shutDown();
     qDeleteAll(panelWindows);
     return scripted ? result : code;
 }

@@ -14,11 +14,9 @@ PluginHost::PluginHost(quint32 receivers, QObject *parent)
     : QObject(parent)
     , model(receivers)
     , key(&model)
-    , decoder(std::make_shared<qrvCommand>())
     , encoder(std::make_shared<qrvCommand>())
 {
     model.setCwKeyControl(&key);
-    connectDecoder();
     connect(encoder.get(), &qrvCommand::sCommand, this, [this](const QVariant &message) {
         if (instance)
             instance->setCommand(message);
@@ -62,7 +60,7 @@ bool PluginHost::load(const QString &path)
     }
     connect(instance.data(), &DialixAbstract::sCommand, this, [this](const QVariant &message) {
         emit commandReceived(message, commandText(message));
-        decoder->setCommand(message);
+        backend->panelCommand(message.toList());
     });
     return true;
 }
@@ -74,7 +72,7 @@ void PluginHost::bind(QLayout *layout, QSettings *s, uint channels)
     settings = s;
     if (layout)
         instance->addWidget(layout);
-    instance->setManager(&model);
+    instance->setManager(backend);
     if (settings)
         instance->readSettings(settings);
     instance->setChannels(channels);
@@ -92,21 +90,9 @@ void PluginHost::shutDown()
     }
 }
 
-void PluginHost::connectDecoder()
+void PluginHost::setRadio(RadioBackend *radio)
 {
-    qrvCommand *d = decoder.get();
-    RadioModel *r = &model;
-    connect(d, &qrvCommand::sPanelBandUp, r, [r](uint rx) { r->bandStep(rx, +1); });
-    connect(d, &qrvCommand::sPanelBandDown, r, [r](uint rx) { r->bandStep(rx, -1); });
-    connect(d, &qrvCommand::sPanelModeUp, r, [r](uint rx) { r->modeStep(rx, +1); });
-    connect(d, &qrvCommand::sPanelModeDown, r, [r](uint rx) { r->modeStep(rx, -1); });
-    connect(d, &qrvCommand::sPanelVolume, r,
-            [r](uint rx, int step) { r->setVolume(rx, r->volume(rx) + step); });
-    connect(d, &qrvCommand::sPanelMuteChange, r, [r](uint rx) { r->setMute(rx, !r->muted(rx)); });
-    // The panel asks for a change-over; the host knows the state.
-    connect(d, &qrvCommand::sPanelMox, r, [r](uint rx, bool) { r->setMox(rx, !r->mox(rx)); });
-    connect(d, &qrvCommand::sPanelRitEnable, r, [r](uint rx, uint) { r->setRit(rx, !r->rit(rx)); });
-    connect(d, &qrvCommand::sPanelXitEnable, r, [r](uint rx, uint) { r->setXit(rx, !r->xit(rx)); });
-    connect(d, &qrvCommand::sPanelVFO, r,
-            [r](uint rx, uint channel, int step) { r->tune(rx, channel, step * TuningStep); });
+    backend = radio ? radio : &model;
+    backend->setCwKeyControl(&key);
+    key.setRadio(backend);
 }

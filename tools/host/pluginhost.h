@@ -26,9 +26,6 @@ class PluginHost : public QObject
 
 public:
     static constexpr const char *ExpectedIid = "Brindlecraft.Quorvane2.plugin";
-    // Hertz per VFO encoder step.
-    static constexpr double TuningStep = 10.0;
-
     explicit PluginHost(quint32 receivers = 2, QObject *parent = nullptr);
     ~PluginHost() override;
 
@@ -46,7 +43,10 @@ public:
     void shutDown();
 
     DialixAbstract *plugin() const { return instance; }
-    RadioModel *radio() { return &model; }
+    // The radio the plug-in drives: the simulated one unless another was set.
+    RadioBackend *radio() { return backend; }
+    // Puts another radio behind the host (before bind()); borrowed.
+    void setRadio(RadioBackend *radio);
     HostCwKey *cwKey() { return &key; }
     // The host's encoder: every message it sends goes to the plug-in.
     qrvCommand *commands() const { return encoder.get(); }
@@ -56,11 +56,9 @@ signals:
     void commandReceived(const QVariant &message, const QString &text);
 
 private:
-    void connectDecoder();
-
     RadioModel model;
+    RadioBackend *backend = &model;
     HostCwKey key;
-    std::shared_ptr<qrvCommand> decoder;
     std::shared_ptr<qrvCommand> encoder;
     std::unique_ptr<QPluginLoader> loader;
     QPointer<DialixAbstract> instance;

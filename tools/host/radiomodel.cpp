@@ -2,6 +2,8 @@
 
 #include "radiomodel.h"
 
+#include "command/qrvcommand.h"
+
 #include <QtGlobal>
 
 #include <array>
@@ -39,9 +41,54 @@ QString mhz(double hz)
 } // namespace
 
 RadioModel::RadioModel(quint32 receivers, QObject *parent)
-    : DeviceManagerAbstract(parent)
+    : RadioBackend(parent)
     , rx(int(qMax<quint32>(receivers, 1)))
-{ }
+    , decoder(std::make_shared<qrvCommand>())
+{
+    // Hertz per VFO encoder step.
+    constexpr double tuningStep = 10.0;
+    qrvCommand *d = decoder.get();
+    connect(d, &qrvCommand::sPanelBandUp, this, [this](uint r) { bandStep(r, +1); });
+    connect(d, &qrvCommand::sPanelBandDown, this, [this](uint r) { bandStep(r, -1); });
+    connect(d, &qrvCommand::sPanelModeUp, this, [this](uint r) { modeStep(r, +1); });
+    connect(d, &qrvCommand::sPanelModeDown, this, [this](uint r) { modeStep(r, -1); });
+    connect(d, &qrvCommand::sPanelVolume, this,
+            [this](uint r, int step) { setVolume(r, volume(r) + step); });
+    connect(d, &qrvCommand::sPanelMuteChange, this, [this](uint r) { setMute(r, !muted(r)); });
+    // The panel asks for a change-over; the radio knows the state.
+    connect(d, &qrvCommand::sPanelMox, this, [this](uint r, bool) { setMox(r, !mox(r)); });
+    connect(d, &qrvCommand::sPanelRitEnable, this, [this](uint r, uint) { setRit(r, !rit(r)); });
+    connect(d, &qrvCommand::sPanelXitEnable, this, [this](uint r, uint) { setXit(r, !xit(r)); });
+    connect(d, &qrvCommand::sPanelVFO, this,
+            [this](uint r, uint channel, int step) { tune(r, channel, step * tuningStep); });
+}
+
+RadioModel::~RadioModel() = default;
+
+void RadioModel::panelCommand(const QVariantList &message)
+{
+    decoder->setCommand(message);
+}
+
+QString RadioModel::describe() const
+{
+    QStringList lines;
+    for (quint32 r = 0; r < receivers(); ++r) {
+        lines << tr("RX%1  %2  %3  %4   A %5 MHz  B %6 MHz")
+                     .arg(r + 1)
+                     .arg(band(r), -4)
+                     .arg(mode(r), -4)
+                     .arg(muted(r) ? tr("muted") : tr("%1 dB").arg(volume(r), 0, 'f', 1))
+                     .arg(frequency(r, 0) / 1e6, 0, 'f', 6)
+                     .arg(frequency(r, 1) / 1e6, 0, 'f', 6);
+        lines << tr("      MOX %1  RIT %2  XIT %3  lock %4  VOX %5")
+                     .arg(mox(r) ? tr("on") : tr("off"), rit(r) ? tr("on") : tr("off"),
+                          xit(r) ? tr("on") : tr("off"), lock(r) ? tr("on") : tr("off"),
+                          vox(r) ? tr("on") : tr("off"));
+    }
+    lines << tr("Mixer mode %1").arg(mixer);
+    return lines.join(QLatin1Char('\n'));
+}
 
 RadioModel::Receiver *RadioModel::at(quint32 receiver)
 {
@@ -178,14 +225,6 @@ void RadioModel::setXit(quint32 receiver, bool state)
     }
 }
 
-void RadioModel::setDisplay4k(bool state)
-{
-    if (display4k == state)
-        return;
-    display4k = state;
-    emit display4kModeChanged(state);
-}
-
 bool RadioModel::muted(quint32 tranceiver) const
 {
     const Receiver *r = at(tranceiver);
@@ -265,7 +304,7 @@ QString RadioModel::mode(quint32 receiver) const
     return r ? QString::fromLatin1(modes[size_t(r->mode)]) : QString();
 }
 
-HostCwKey::HostCwKey(RadioModel *radio, QObject *parent)
+HostCwKey::HostCwKey(RadioBackend *radio, QObject *parent)
     : CwKeyControlAbstract(parent)
     , radio(radio)
 { }

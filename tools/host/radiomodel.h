@@ -3,10 +3,14 @@
 // RadioModel, the small radio behind the reference host.
 
 #include "interfaces/cwkeycontrolabstract.h"
-#include "interfaces/devicemanagerabstract.h"
+#include "radiobackend.h"
 
 #include <QString>
 #include <QVector>
+
+#include <memory>
+
+class qrvCommand;
 
 // A small radio for the reference host: enough state for every operation the
 // panel plug-in calls on a device manager, and for the commands the panel
@@ -14,7 +18,7 @@
 //
 // Every change of state is announced through changed() with a readable line,
 // which the host prints to its log.
-class RadioModel : public DeviceManagerAbstract
+class RadioModel : public RadioBackend
 {
     Q_OBJECT
 
@@ -23,6 +27,7 @@ public:
     static constexpr double MaxVolume = 0.0;
 
     explicit RadioModel(quint32 receivers = 2, QObject *parent = nullptr);
+    ~RadioModel() override;
 
     // DeviceManagerAbstract
     void setLock(quint32 receiver, bool state) override;
@@ -41,12 +46,15 @@ public:
     double mainVolume() const override;
     void setMainVolume(double dB) override;
 
+    // RadioBackend
+    void panelCommand(const QVariantList &message) override;
+    void setMox(quint32 tranceiver, bool state) override;
+    QString describe() const override;
+
     // Host side of the radio.
     quint32 receivers() const { return quint32(rx.size()); }
-    void setMox(quint32 tranceiver, bool state);
     void setRit(quint32 receiver, bool state);
     void setXit(quint32 receiver, bool state);
-    void setDisplay4k(bool state);
     bool muted(quint32 tranceiver) const;
     quint32 mixerMode() const { return mixer; }
     quint32 vfoMixerMode(quint32 receiver) const;
@@ -61,9 +69,6 @@ public:
     void modeStep(quint32 receiver, int direction);
     QString band(quint32 receiver) const;
     QString mode(quint32 receiver) const;
-
-signals:
-    void changed(const QString &line);
 
 private:
     struct Receiver
@@ -86,8 +91,9 @@ private:
     void report(const QString &line) { emit changed(line); }
 
     QVector<Receiver> rx;
+    // Decodes the panel commands the host hands over.
+    std::shared_ptr<qrvCommand> decoder;
     quint32 mixer = 0;
-    bool display4k = false;
 };
 
 // The host's CW-key object: keys the radio's transmitter from the panel's PTT
@@ -97,11 +103,12 @@ class HostCwKey : public CwKeyControlAbstract
     Q_OBJECT
 
 public:
-    explicit HostCwKey(RadioModel *radio, QObject *parent = nullptr);
+    explicit HostCwKey(RadioBackend *radio, QObject *parent = nullptr);
+    void setRadio(RadioBackend *r) { radio = r; }
 
     void setKey(quint32 transmitter, quint32 src, bool dash, bool dot) override;
     void setTrx(quint32 tranceiver, quint32 ptt, bool state) override;
 
 private:
-    RadioModel *radio;
+    RadioBackend *radio;
 };
