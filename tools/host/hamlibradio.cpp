@@ -71,9 +71,9 @@ HamlibRadio::HamlibRadio(QObject *parent)
 {
     connect(&link, &RigctlConnection::replied, this, &HamlibRadio::onReplied);
     connect(&link, &RigctlConnection::ready, this, [this] {
-        if (gone)
+        if (everReady)
             say(tr("radio back at %1").arg(link.address()));
-        else if (!everReady)
+        else
             say(tr("connected to rigctld at %1").arg(link.address()));
         everReady = true;
         gone = false;
@@ -143,7 +143,9 @@ void HamlibRadio::shutDown(int waitMs)
 
 int HamlibRadio::tunedVfo() const
 {
-    return reported.value("V") == QLatin1String("VFOB") ? 1 : 0;
+    // Radios with a main and a sub receiver name VFO B "Sub".
+    const QString v = reported.value("V");
+    return v == QLatin1String("VFOB") || v.startsWith(QLatin1String("Sub")) ? 1 : 0;
 }
 
 bool HamlibRadio::idle() const
@@ -254,13 +256,17 @@ void HamlibRadio::apply(const rig::Mapping &m, const QVariantList &message)
     switch (m.action) {
     case rig::Action::Tune: {
         const int vfo = message.value(2).toUInt() ? 1 : 0;
-        tune(vfo, base(vfo) + steps * m.perStep, name);
+        if (known[vfo] || target[vfo])
+            tune(vfo, base(vfo) + steps * m.perStep);
+        else
+            unknownOffset[vfo] += steps * m.perStep; // added once the radio told it
+        pump();
         break;
     }
     case rig::Action::BandUp:
     case rig::Action::BandDown: {
         const int vfo = tunedVfo();
-        tune(vfo, rig::bandStep(base(vfo), m.action == rig::Action::BandUp ? 1 : -1), name);
+        tune(vfo, rig::bandStep(base(vfo), m.action == rig::Action::BandUp ? 1 : -1));
         break;
     }
     case rig::Action::ModeUp:
@@ -347,9 +353,9 @@ void HamlibRadio::toggle(const QByteArray &key, const QString &name)
     queueSet(key, onOff(intended(key) != QLatin1String("1")), name);
 }
 
-void HamlibRadio::tune(int vfo, double hz, const QString &name)
+void HamlibRadio::tune(int vfo, double hz)
 {
-    Q_UNUSED(name)
+    unknownOffset[vfo] = 0;
     target[vfo] = qMax(0.0, std::round(hz));
     pump();
 }
@@ -369,7 +375,7 @@ void HamlibRadio::queueSet(const QByteArray &key, const QString &value, const QS
         return;
     if (coalesce) {
         for (Op &op : queue) {
-            if (op.key == key) {
+            if (op.key == key && !op.poll) {
                 op.value = value;
                 op.name = name;
                 pump();
@@ -384,7 +390,7 @@ void HamlibRadio::queueSet(const QByteArray &key, const QString &value, const QS
 QString HamlibRadio::intended(const QByteArray &key) const
 {
     for (auto it = queue.crbegin(); it != queue.crend(); ++it) {
-        if (it->key == key)
+        if (it->key == key && !it->poll)
             return it->value;
     }
     if (inFlight && !inFlight->poll && inFlight->key == key)
@@ -408,7 +414,7 @@ bool HamlibRadio::pendingSet(const QByteArray &key) const
     if (key == "T")
         return pttWanted.has_value();
     for (const Op &op : queue) {
-        if (op.key == key)
+        if (op.key == key && !op.poll)
             return true;
     }
     return false;
@@ -429,12 +435,19 @@ void HamlibRadio::pump()
         return;
     }
     for (int vfo : {tunedVfo(), 1 - tunedVfo()}) {
-        if (!target[vfo])
+        if (!target[vfo] && unknownOffset[vfo] == 0)
             continue;
         if (vfo != tunedVfo()) {
             // The radio tunes its current VFO: switch to the one the panel tunes.
             send(Op {"V", vfo ? QStringLiteral("VFOB") : QStringLiteral("VFOA"),
                      QStringLiteral("panelVFO")});
+            return;
+        }
+        if (!target[vfo]) {
+            // Steps for a VFO whose frequency the radio has not told yet.
+            Op op {"F", QString(), QStringLiteral("panelVFO"), true};
+            op.vfo = vfo;
+            send(op);
             return;
         }
         Op op {"F", QString::number(qint64(*target[vfo])), QStringLiteral("panelVFO")};
@@ -500,7 +513,13 @@ void HamlibRadio::onReplied(const QByteArray &, const QStringList &values, int c
     } else if (op.poll) {
         // An answer older than a set that waits would undo the set.
         if (!pendingSet(op.key) && !values.isEmpty())
-            report(op.key == "F" ? QByteArray("F") : op.key, values.join(QLatin1Char(' ')));
+            report(op.key, values.join(QLatin1Char(' ')));
+        const int vfo = tunedVfo();
+        if (op.key == "F" && known[vfo] && unknownOffset[vfo] != 0)
+            tune(vfo, freq[vfo] + unknownOffset[vfo]);
+    } else if (op.key == "M" && op.value.endsWith(QLatin1String(" 0"))) {
+        // Passband 0 is the radio's default for the mode: read what it chose.
+        queue.prepend(Op {"M", QString(), op.name, true});
     } else if (op.key != "G") {
         report(op.key, op.value);
     }
@@ -514,8 +533,9 @@ void HamlibRadio::report(const QByteArray &key, const QString &value)
         const double hz = value.toDouble();
         if (hz <= 0)
             return;
-        const bool differs = freq[vfo] != hz || !reported.contains("F");
+        const bool differs = freq[vfo] != hz || !known[vfo];
         freq[vfo] = hz;
+        known[vfo] = true;
         reported.insert("F", value);
         if (differs) {
             say(tr("VFO %1 %2 MHz")

@@ -98,7 +98,7 @@ private:
                   bool coalesce = true);
     void stepLevel(const rig::Mapping &m, int steps);
     void toggle(const QByteArray &key, const QString &name);
-    void tune(int vfo, double hz, const QString &name);
+    void tune(int vfo, double hz);
     void setPtt(bool state);
     QString intended(const QByteArray &key) const;
     double base(int vfo) const;
@@ -118,6 +118,8 @@ private:
     std::optional<bool> pttWanted;
     std::optional<Op> inFlight;
     double freq[2] = {0, 0};
+    bool known[2] = {false, false};
+    double unknownOffset[2] = {0, 0};
     bool pttOn = false;
     bool keyedHere = false;
     QHash<QByteArray, QString> reported;
