@@ -27,16 +27,26 @@ constexpr PollItem pollRound[] = {{"T", "t"},         {"F", "f"},         {"V", 
 QString errorText(int code)
 {
     switch (code) {
-    case -1: return QStringLiteral("invalid parameter");
-    case -4: return QStringLiteral("not implemented");
-    case -5: return QStringLiteral("communication timed out");
-    case -6: return QStringLiteral("I/O error");
-    case -8: return QStringLiteral("protocol error");
-    case -9: return QStringLiteral("command rejected by the radio");
-    case -11: return QStringLiteral("not available");
-    case -12: return QStringLiteral("VFO not targetable");
-    case -16: return QStringLiteral("invalid VFO");
-    default: return QStringLiteral("Hamlib error %1").arg(code);
+    case -1:
+        return QStringLiteral("invalid parameter");
+    case -4:
+        return QStringLiteral("not implemented");
+    case -5:
+        return QStringLiteral("communication timed out");
+    case -6:
+        return QStringLiteral("I/O error");
+    case -8:
+        return QStringLiteral("protocol error");
+    case -9:
+        return QStringLiteral("command rejected by the radio");
+    case -11:
+        return QStringLiteral("not available");
+    case -12:
+        return QStringLiteral("VFO not targetable");
+    case -16:
+        return QStringLiteral("invalid VFO");
+    default:
+        return QStringLiteral("Hamlib error %1").arg(code);
     }
 }
 
@@ -272,7 +282,8 @@ void HamlibRadio::apply(const rig::Mapping &m, const QVariantList &message)
     case rig::Action::ModeUp:
     case rig::Action::ModeDown: {
         const QString mode = intended("M").section(QLatin1Char(' '), 0, 0);
-        queueSet("M", rig::modeStep(mode, m.action == rig::Action::ModeUp ? 1 : -1)
+        queueSet("M",
+                 rig::modeStep(mode, m.action == rig::Action::ModeUp ? 1 : -1)
                      + QStringLiteral(" 0"),
                  name);
         break;
@@ -297,8 +308,7 @@ void HamlibRadio::apply(const rig::Mapping &m, const QVariantList &message)
         toggle(key, name);
         break;
     case rig::Action::Offset:
-        queueSet(key,
-                 QString::number(intended(key).toInt() + int(std::lround(steps * m.perStep))),
+        queueSet(key, QString::number(intended(key).toInt() + int(std::lround(steps * m.perStep))),
                  name);
         break;
     case rig::Action::OffsetReset:
@@ -503,8 +513,8 @@ void HamlibRadio::onReplied(const QByteArray &, const QStringList &values, int c
                 say(line);
             }
         } else {
-            const QString line = tr("%1 (%2): %3")
-                                     .arg(op.name, QString::fromLatin1(op.key), errorText(code));
+            const QString line =
+                tr("%1 (%2): %3").arg(op.name, QString::fromLatin1(op.key), errorText(code));
             if (!said.contains(line)) {
                 said.insert(line);
                 say(line);
@@ -582,8 +592,8 @@ QString HamlibRadio::describe() const
                  .arg(freq[tunedVfo()] / 1e6, 0, 'f', 6)
                  .arg(freq[0] / 1e6, 0, 'f', 6)
                  .arg(freq[1] / 1e6, 0, 'f', 6);
-    lines << tr("Mode %1   TX %2").arg(mode().isEmpty() ? tr("?") : mode(),
-                                        pttOn ? tr("ON") : tr("off"));
+    lines << tr("Mode %1   TX %2")
+                 .arg(mode().isEmpty() ? tr("?") : mode(), pttOn ? tr("ON") : tr("off"));
     lines << tr("RIT %1 (%2 Hz)  XIT %3 (%4 Hz)  lock %5  AF %6")
                  .arg(rit(0) ? tr("on") : tr("off"), reported.value("J", QStringLiteral("0")),
                       xit(0) ? tr("on") : tr("off"), reported.value("Z", QStringLiteral("0")),

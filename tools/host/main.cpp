@@ -223,12 +223,14 @@ int main(int argc, char *argv[])
                 return 1;
             }
             rigPort = rigctld.port();
-            print(QStringLiteral("rigctld"), QStringLiteral("rigctld %1").arg(rigctld.arguments().join(QLatin1Char(' '))));
+            print(QStringLiteral("rigctld"),
+                  QStringLiteral("rigctld %1").arg(rigctld.arguments().join(QLatin1Char(' '))));
             QObject::connect(&rigctld, &RigctldProcess::ended, &app,
                              [](const QString &why) { print(QStringLiteral("error"), why); });
         }
         if (rigPort <= 0 || rigPort > 65535) {
-            print(QStringLiteral("error"), QStringLiteral("not a rigctld address: %1").arg(parser.value(rigOption)));
+            print(QStringLiteral("error"),
+                  QStringLiteral("not a rigctld address: %1").arg(parser.value(rigOption)));
             return 1;
         }
         if (parser.isSet(rigTraceOption))

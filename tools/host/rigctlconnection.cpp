@@ -2,6 +2,8 @@
 
 #include "rigctlconnection.h"
 
+#include <cctype>
+
 namespace {
 
 // Commands that name their VFO first when rigctld runs with --vfo.
@@ -146,9 +148,16 @@ void RigctlConnection::onLine(const QByteArray &line)
         emit replied(command, reply, ok ? code : -8);
         return;
     }
-    // The first line repeats the command ("get_freq:", "set_freq: 7074000").
+    // The reply starts by repeating the command ("get_freq:", "set_freq:
+    // 7074000"); lines before it are not part of it.
     if (!echoSeen) {
-        echoSeen = true;
+        const int colon = line.indexOf(':');
+        echoSeen = colon > 0;
+        for (int i = 0; i < colon; ++i) {
+            const char c = line.at(i);
+            echoSeen =
+                echoSeen && (std::isalpha(static_cast<unsigned char>(c)) || c == '_' || c == '\\');
+        }
         return;
     }
     const QString text = QString::fromLatin1(line);

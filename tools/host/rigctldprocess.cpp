@@ -38,9 +38,9 @@ bool RigctldProcess::start(const Radio &radio, const QString &program)
         error = tr("no free port on 127.0.0.1");
         return false;
     }
-    QStringList args {QStringLiteral("-m"), QString::number(radio.model), QStringLiteral("-T"),
-                      QStringLiteral("127.0.0.1"), QStringLiteral("-t"),
-                      QString::number(listenPort)};
+    QStringList args {QStringLiteral("-m"), QString::number(radio.model),
+                      QStringLiteral("-T"), QStringLiteral("127.0.0.1"),
+                      QStringLiteral("-t"), QString::number(listenPort)};
     if (!radio.device.isEmpty())
         args << QStringLiteral("-r") << radio.device;
     if (radio.speed > 0)

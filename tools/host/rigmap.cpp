@@ -97,8 +97,8 @@ constexpr std::array<Band, 13> bands = {{{1800000, 1840000},
                                          {50000000, 50313000},
                                          {144000000, 144174000},
                                          {430000000, 432174000}}};
-constexpr std::array<const char *, 9> modes = {"LSB", "USB", "CW", "CWR", "AM",
-                                               "FM", "PKTUSB", "PKTLSB", "RTTY"};
+constexpr std::array<const char *, 9> modes = {"LSB", "USB",    "CW",     "CWR", "AM",
+                                               "FM",  "PKTUSB", "PKTLSB", "RTTY"};
 
 } // namespace
 
