@@ -6,6 +6,10 @@
 #    screenshots of the host window and the virtual panel, and exits;
 #  - with a display ($DISPLAY set): opens the host and the virtual panel window
 #    for you to use.
+# The radio is Hamlib's dummy radio: the host starts `rigctld -m 1 -P RIG` on a
+# free loopback port and stops it at exit, and the log shows what the radio
+# reports back after each step. Give --rig HOST:PORT or --rig-model N
+# --rig-port DEVICE to drive your own radio instead.
 # Extra arguments go to the host (e.g. --plugin PATH, --script).
 #   DIALIX_OUT   where the session's screenshots go (default: out/session)
 set -euo pipefail
@@ -21,8 +25,13 @@ if [ -z "${XDG_RUNTIME_DIR:-}" ]; then
     mkdir -p -m 0700 "$XDG_RUNTIME_DIR"
 fi
 
+RIG=(--rig-model 1)
+for arg in "$@"; do
+    case "$arg" in --rig | --rig=* | --rig-model | --rig-model=*) RIG=() ;; esac
+done
+
 if [ -n "${DISPLAY:-}" ]; then
-    exec "$HOST" --screenshots "$OUT" --settings "$OUT/host.ini" "$@"
+    exec "$HOST" --screenshots "$OUT" --settings "$OUT/host.ini" "${RIG[@]}" "$@"
 fi
 echo "== scripted session (offscreen); screenshots in $OUT"
 # The options page lists serial ports and Qt opens every 8250 UART it lists to
@@ -32,4 +41,5 @@ GUARD="$ROOT/build-release/tests/support/libdialix_ptylines.so"
 if [ -f "$GUARD" ]; then
     export LD_PRELOAD="$GUARD${LD_PRELOAD:+:$LD_PRELOAD}"
 fi
-QT_QPA_PLATFORM=offscreen "$HOST" --script --screenshots "$OUT" --settings "$OUT/host.ini" "$@"
+QT_QPA_PLATFORM=offscreen "$HOST" --script --screenshots "$OUT" --settings "$OUT/host.ini" \
+    "${RIG[@]}" "$@"

@@ -28,6 +28,8 @@ PACKAGES=(
     # Sanitizers and fuzzing
     clang
     libclang-rt-14-dev
+    # Hamlib's rigctld: the reference host's real radio (its dummy model)
+    libhamlib-utils
     # Hot-plug tests create tun interfaces
     iproute2
     # Packaging checks (udev: udevadm reads the panel's rule)
