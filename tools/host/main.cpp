@@ -195,11 +195,11 @@ int main(int argc, char *argv[])
     // A panel on the virtual bus from the start, so the plug-in finds one.
     const int firstPanel = VirtualPanel::plug(QStringLiteral("DLX0001"));
 
-    PluginHost host;
-
-    // A Hamlib radio instead of the simulated one.
+    // A Hamlib radio instead of the simulated one. It outlives the host, which
+    // goes with the plug-in that borrows it.
     RigctldProcess rigctld;
     HamlibRadio hamlib;
+    PluginHost host;
     const bool useRig = parser.isSet(rigOption) || parser.isSet(rigModelOption);
     if (useRig) {
         QString rigHost = QStringLiteral("127.0.0.1");
