@@ -2,8 +2,8 @@
 // radio (model 1), started on a free loopback port.
 //
 // A VFO spin of 100 panel commands a second (the panelVFO messages the
-// plug-in sends, one 10 Hz step each) for BENCH_SCALE x 5 s, with PTT pressed
-// and released every 250 ms during the spin. Printed beside the round-trip
+// plug-in sends, one 10 Hz step each) for BENCH_SCALE x 5 s; in its second
+// half PTT is pressed and released every 250 ms. Printed beside the round-trip
 // floor measured in the same run (a bare connection setting the frequency):
 //  - step to set sent: from a step to the first frequency set that includes it;
 //  - step to radio confirmed: from a step to rigctld's answer to that set;
@@ -126,7 +126,7 @@ int main(int argc, char *argv[])
     QObject::connect(&spin, &QTimer::timeout, &radio, [&] {
         stepAt.push_back(clock.nsecsElapsed());
         radio.panelCommand({int(qrv::Id::panelVFO), 0u, 0u, 1});
-        if (stepAt.size() % 25 == 12) {
+        if (int(stepAt.size()) > steps / 2 && stepAt.size() % 25 == 12) {
             pttAt = clock.nsecsElapsed();
             radio.setMox(0, !radio.mox(0) && (stepAt.size() / 25) % 2 == 0);
         }
@@ -149,6 +149,10 @@ int main(int argc, char *argv[])
     other.send("f");
     waitFor([&] { return !other.isBusy(); }, 5000);
 
+    // The step figures are of the first half, the spin alone; PTT is pressed and
+    // released in the second half.
+    toSent.resize(qMin(toSent.size(), size_t(steps / 2)));
+    toConfirmed.resize(qMin(toConfirmed.size(), size_t(steps / 2)));
     const double p50 = measure::percentile(floor, 50), p99 = measure::percentile(floor, 99);
     measure::Report report("rigctld");
     report.add(QStringLiteral("rtt_floor_p50"), p50, "ms",
