@@ -558,6 +558,17 @@ void HamlibRadio::report(const QByteArray &key, const QString &value)
     const QString old = reported.value(key);
     if (reported.contains(key) && old == value)
         return;
+    if (key == "V") {
+        // "VFOB" and "Sub" are the same VFO to the operator.
+        const int before = tunedVfo();
+        const bool first = !reported.contains(key);
+        reported.insert(key, value);
+        if (first || before != tunedVfo()) {
+            say(tr("VFO %1 tuned").arg(tunedVfo() ? QLatin1Char('B') : QLatin1Char('A')));
+            emit stateChanged();
+        }
+        return;
+    }
     // Levels come back as "0.500000" after being set as "0.500".
     bool a = false, b = false;
     const double x = old.toDouble(&a), y = value.toDouble(&b);
