@@ -34,6 +34,10 @@ PACKAGES=(
     dpkg-dev
     lintian
     udev
+    # The Windows zip and installer (scripts/windows/package.sh)
+    zip
+    unzip
+    nsis
 )
 
 missing=()
