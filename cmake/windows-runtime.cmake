@@ -6,6 +6,9 @@ file(MAKE_DIRECTORY ${_dialix_bin})
 
 set(DIALIX_MINGW_RUNTIME_DLLS)
 foreach(_dll libwinpthread-1.dll libgcc_s_seh-1.dll libstdc++-6.dll)
+    if(NOT MINGW)
+        break() # MSVC's runtime is the system's
+    endif()
     find_file(_dialix_dll_${_dll} ${_dll}
         PATHS ${DIALIX_MINGW_RUNTIME_DIRS} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
     list(APPEND DIALIX_MINGW_RUNTIME_DLLS ${_dialix_dll_${_dll}})

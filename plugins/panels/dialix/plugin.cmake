@@ -39,7 +39,9 @@ function(dialix_plugin_module target)
     endif()
     target_link_libraries(${target} PRIVATE
         "$<LINK_LIBRARY:WHOLE_ARCHIVE,dialix_root,dialix_keys>" ${ARGN})
-    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    if(NOT MSVC)
+        target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    endif()
 endfunction()
 
 # libdialix.so: the panels through Debian's hidapi (hidraw back end). hidapi is
