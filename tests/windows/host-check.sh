@@ -32,11 +32,13 @@ while [ ! -f "$prefix_dir/CMakeCache.txt" ]; do prefix_dir=$(dirname "$prefix_di
     >/dev/null 2>&1 || true
 for _ in $(seq 200); do kill -0 $pid 2>/dev/null || break; sleep 0.1; done
 kill $pid 2>/dev/null && fail "the host did not close"
+sed -i 's/\r$//' "$out"
 
 grep -q '^plugin *Dialix 0.0.1 (Dialix, class ControlDialix)' "$out" || fail "plug-in not loaded"
 [ "$(grep '^tabs' "$out")" = "tabs    Dialix 1" ] || fail "tabs other than \"Dialix 1\""
 [ "${windows[*]}" = "Dialix reference host" ] || fail "windows on the screen: ${windows[*]}"
 rc=0
 "$run" "$probe" --list >"$out" 2>&1 || rc=$?
+sed -i 's/\r$//' "$out"
 [ $rc -eq 1 ] && grep -q 'No Dialix panel found' "$out" || fail "the probe found a panel (exit $rc)"
 echo "host-check: loaded, tabs \"Dialix 1\", no dialog; the probe found no panel"
