@@ -32,15 +32,16 @@ while [ ! -f "$build/CMakeCache.txt" ]; do build="$(dirname "$build")"; done
 
 # The far end: holds the pty's master open, with HUPCL set as a serial port has.
 python3 -c '
-import os, pty, sys, termios, time
+import os, pty, termios, time
 master, slave = pty.openpty()
 attrs = termios.tcgetattr(slave)
 attrs[2] |= termios.HUPCL
 termios.tcsetattr(slave, termios.TCSANOW, attrs)
 print(os.ttyname(slave), flush=True)
-sys.stdin.read()
-' >"$work/pty" < <(sleep 600) &
+time.sleep(3600)
+' >"$work/pty" </dev/null &
 holder=$!
+trap 'kill $holder 2>/dev/null || true' EXIT
 for _ in $(seq 100); do [ -s "$work/pty" ] && break; sleep 0.1; done
 pty=$(cat "$work/pty")
 
@@ -52,7 +53,6 @@ wineserver -k || true
 rc=0
 LD_PRELOAD="$work/ptylines.so" DIALIX_PTYLINES_SHARED="$work/lines" wine "$program" "$@" || rc=$?
 wineserver -k || true
-kill $holder 2>/dev/null || true
 echo "comport-pty: COM5 was $pty; its lines:"
 sed 's/^/comport-pty:   /' "$work/lines/log" 2>/dev/null || true
 exit $rc
