@@ -1,17 +1,13 @@
 #!/usr/bin/env bash
 # comport-pty.sh TEST.exe [ARGUMENT ...]
 #
-# Runs a Windows test with COM5 on a pseudo-terminal whose modem lines are
-# emulated, under Wine, in a mount namespace whose /dev has none of the
-# machine's serial ports.
-#
-# Wine maps the ports named in HKLM\Software\Wine\Ports; the pty is made in the
-# same namespace as the wineserver that opens it (a namespace's /dev/pts is its
-# own). Wine drives DTR and RTS with TIOCMGET/TIOCMSET, which a pty refuses:
-# the pty line emulation (tests/support/ptyinterpose.cpp) is preloaded into
-# every Wine process, sharing the line state through DIALIX_PTYLINES_SHARED,
-# because the wineserver opens the port and the program sets its lines. The
-# prefix is the build tree's wine-com/, apart from the one other tests share.
+# Runs a Windows test under Wine with COM5 on a pseudo-terminal, in a mount
+# namespace whose /dev has none of the machine's serial ports; the wineserver
+# that opens the pty runs in the same namespace (its /dev/pts is its own). Wine
+# drives DTR/RTS with TIOCMGET/TIOCMSET, which a pty refuses: the pty line
+# emulation (tests/support/ptyinterpose.cpp) is preloaded into every Wine
+# process and shares its state (DIALIX_PTYLINES_SHARED). The prefix is the
+# build tree's wine-com/, apart from the one other tests share.
 set -euo pipefail
 HERE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 ROOT="$(cd "$HERE/../.." && pwd)"
