@@ -4,11 +4,13 @@
  * it and returns its exit code. Wine does not hand Unix variables whose names
  * begin with QT_ to Windows programs; scripts/windows/wine-run.sh passes them
  * through this starter instead. */
-#include <shellapi.h>
+#include <windows.h>
+
+#include <shellapi.h> /* after windows.h, which it needs */
+
 #include <stdio.h>
 #include <stdlib.h>
 #include <wchar.h>
-#include <windows.h>
 
 /* Appends one argument as CommandLineToArgvW and the C runtime split it again. */
 static wchar_t *appendQuoted(wchar_t *out, const wchar_t *arg)
