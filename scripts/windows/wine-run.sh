@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # wine-run.sh PROGRAM.exe [ARGUMENT ...]
+# wine-run.sh --init PREFIX      only make the prefix (and the starter)
 #
 # Runs a Windows program of this project under Wine. ctest uses it as the
 # emulator of the Windows build (cmake/mingw-w64-toolchain.cmake).
@@ -17,14 +18,20 @@
 set -euo pipefail
 HERE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 
-if [ $# -lt 1 ]; then
-    echo "usage: $0 PROGRAM.exe [ARGUMENT ...]" >&2
+if [ $# -lt 1 ] || { [ "$1" = "--init" ] && [ $# -ne 2 ]; }; then
+    echo "usage: $0 PROGRAM.exe [ARGUMENT ...] | --init PREFIX" >&2
     exit 2
 fi
-program="$(readlink -f "$1")"
-shift
+init_only=false
+if [ "$1" = "--init" ]; then
+    init_only=true
+    prefix="$(readlink -m "$2")"
+else
+    program="$(readlink -f "$1")"
+    shift
+    prefix="${DIALIX_WINEPREFIX:-}"
+fi
 
-prefix="${DIALIX_WINEPREFIX:-}"
 if [ -z "$prefix" ]; then
     dir="$(dirname "$program")"
     while [ "$dir" != / ] && [ ! -f "$dir/CMakeCache.txt" ]; do
@@ -64,6 +71,10 @@ if [ ! -f "$prefix/system.reg" ] || [ ! -f "$starter" ] || [ "$HERE/winenv.c" -n
             mv "$starter.tmp" "$starter"
         fi
     ) 9>"$prefix.lock"
+fi
+
+if $init_only; then
+    exit 0
 fi
 
 winpath() {

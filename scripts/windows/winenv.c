@@ -6,7 +6,8 @@
  * through this starter instead. */
 #include <windows.h>
 
-#include <shellapi.h>
+#include <shellapi.h> /* after windows.h, which it needs */
+
 #include <stdio.h>
 #include <stdlib.h>
 #include <wchar.h>
