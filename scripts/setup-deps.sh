@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs every Debian package that the build, the tests, the tools and the
-# benchmarks need. Idempotent: checks first, runs `apt-get update` once when
+# benchmarks need; `setup-deps.sh windows` adds what the Windows cross build
+# and its runs under Wine need (scripts/ci.d/windows.sh). Idempotent: checks first, runs `apt-get update` once when
 # something is missing, and prints nothing when everything is there.
 set -euo pipefail
 
@@ -37,6 +38,33 @@ PACKAGES=(
     lintian
     udev
 )
+
+# The Windows build: the -posix cross compilers, the tools that build Qt from
+# Debian's source package, Wine, and bubblewrap, which keeps the machine's
+# serial ports out of Wine's sight. The offscreen platform needs DejaVu.
+WINDOWS_PACKAGES=(
+    g++-mingw-w64-x86-64-posix
+    gcc-mingw-w64-x86-64-posix
+    binutils-mingw-w64-x86-64
+    make
+    perl
+    python3
+    xz-utils
+    ca-certificates
+    wine
+    wine64
+    bubblewrap
+    fonts-dejavu-core
+    # The zip and the installer (scripts/windows/package.sh); xvfb-run and
+    # xwininfo for the windows platform's tests
+    zip
+    unzip
+    nsis
+    x11-utils
+)
+if [ "${1:-}" = "windows" ]; then
+    PACKAGES+=("${WINDOWS_PACKAGES[@]}")
+fi
 
 missing=()
 for p in "${PACKAGES[@]}"; do

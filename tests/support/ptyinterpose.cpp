@@ -115,12 +115,63 @@ State &state()
     return *s;
 }
 
-void record(State &s, int pty, PtyLineState::Cause cause, int after)
+// DIALIX_PTYLINES_SHARED=<dir> shares the line state among every process that
+// loads this library with it (LD_PRELOAD): under Wine the wineserver opens the
+// port and the program sets its lines. <dir>/<pty> holds a pty's line bits,
+// <dir>/log one line per change: "<pty> <cause> <before> <after>" in hex, the
+// causes being open, write, hangup and farend.
+const char *sharedDir()
+{
+    static const char *dir = getenv("DIALIX_PTYLINES_SHARED");
+    return dir && *dir ? dir : nullptr;
+}
+
+int sharedFile(const char *name, int flags)
+{
+    char path[PATH_MAX];
+    snprintf(path, sizeof path, "%s/%s", sharedDir(), name);
+    return realOpen()(path, flags | O_CLOEXEC, 0644);
+}
+
+// The pty's bits, refreshed from the shared state when there is one.
+int &currentLines(State &s, int pty)
 {
     int &current = s.lines[pty];
+    char name[16], text[16] = {};
+    snprintf(name, sizeof name, "%d", pty);
+    const int fd = sharedDir() ? sharedFile(name, O_RDONLY) : -1;
+    if (fd >= 0) {
+        if (read(fd, text, sizeof text - 1) > 0)
+            current = int(strtol(text, nullptr, 16));
+        realClose()(fd);
+    }
+    return current;
+}
+
+void record(State &s, int pty, PtyLineState::Cause cause, int after)
+{
+    int &current = currentLines(s, pty);
     timespec now;
     clock_gettime(CLOCK_MONOTONIC, &now);
     s.log.push_back({pty, cause, current, after, now.tv_sec * 1000000000LL + now.tv_nsec});
+    if (sharedDir()) {
+        static const char *const causes[] = {"open", "write", "hangup", "farend"};
+        char name[16], text[64];
+        snprintf(name, sizeof name, "%d", pty);
+        int fd = sharedFile(name, O_WRONLY | O_CREAT | O_TRUNC);
+        if (fd >= 0) {
+            const int n = snprintf(text, sizeof text, "%x\n", unsigned(after));
+            (void)!write(fd, text, size_t(n));
+            realClose()(fd);
+        }
+        fd = sharedFile("log", O_WRONLY | O_CREAT | O_APPEND);
+        if (fd >= 0) {
+            const int n = snprintf(text, sizeof text, "%d %s %x %x\n", pty, causes[int(cause)],
+                                   unsigned(current), unsigned(after));
+            (void)!write(fd, text, size_t(n));
+            realClose()(fd);
+        }
+    }
     current = after;
 }
 
@@ -142,7 +193,7 @@ int afterOpen(int fd)
     State &s = state();
     std::lock_guard<std::mutex> lock(s.mutex);
     s.descriptors[fd] = pty;
-    record(s, pty, PtyLineState::Cause::Open, s.lines[pty] | TIOCM_DTR | TIOCM_RTS);
+    record(s, pty, PtyLineState::Cause::Open, currentLines(s, pty) | TIOCM_DTR | TIOCM_RTS);
     return fd;
 }
 
@@ -243,7 +294,7 @@ int ioctl(int fd, unsigned long request, ...) __THROW
     int *bits = static_cast<int *>(argument);
     State &s = state();
     std::lock_guard<std::mutex> lock(s.mutex);
-    const int current = s.lines[pty];
+    const int current = currentLines(s, pty);
     switch (request) {
     case TIOCMGET:
         *bits = current;
@@ -297,7 +348,7 @@ int close(int fd)
                 : realTcgetattr()(fd, &current) == 0 && (current.c_cflag & HUPCL);
             if (last && hangUp)
                 record(s, pty, PtyLineState::Cause::HangUp,
-                       s.lines[pty] & ~(TIOCM_DTR | TIOCM_RTS));
+                       currentLines(s, pty) & ~(TIOCM_DTR | TIOCM_RTS));
         }
     }
     return realClose()(fd);

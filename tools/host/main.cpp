@@ -26,16 +26,19 @@
 // ~/Pictures/dialix-host).
 
 #include "command/qrvcommand.h"
-#include "hamlibradio.h"
 #include "hostwindow.h"
 #include "pluginhost.h"
-#include "rigctldprocess.h"
-#include "rigmap.h"
 #include "session.h"
 #include "tools/virtualpanel/virtualpanel.h"
 #include "virtualpanelwindow.h"
 
 #include "interfaces/dialixabstract.h"
+
+#ifdef DIALIX_HOST_HAMLIB
+#include "hamlibradio.h"
+#include "rigctldprocess.h"
+#include "rigmap.h"
+#endif
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -181,10 +184,19 @@ int main(int argc, char *argv[])
                        rigModelOption, rigPortOption, rigSpeedOption, rigTraceOption,
                        rigMapOption});
     parser.process(args);
+#ifdef DIALIX_HOST_HAMLIB
     if (parser.isSet(rigMapOption)) {
         out() << rig::tableText() << Qt::endl;
         return 0;
     }
+#else
+    if (parser.isSet(rigMapOption) || parser.isSet(rigOption) || parser.isSet(rigModelOption)) {
+        print(QStringLiteral("error"),
+              QStringLiteral(
+                  "this build of the host has no Hamlib radio (built without Qt Network)"));
+        return 1;
+    }
+#endif
     // The session starts from the plug-in's defaults: it forgets the panel
     // assignments that earlier runs left beside the host.
     if (parser.isSet(sessionOption))
@@ -197,9 +209,12 @@ int main(int argc, char *argv[])
 
     // A Hamlib radio instead of the simulated one. It outlives the host, which
     // goes with the plug-in that borrows it.
+#ifdef DIALIX_HOST_HAMLIB
     RigctldProcess rigctld;
     HamlibRadio hamlib;
+#endif
     PluginHost host;
+#ifdef DIALIX_HOST_HAMLIB
     const bool useRig = parser.isSet(rigOption) || parser.isSet(rigModelOption);
     if (useRig) {
         QString rigHost = QStringLiteral("127.0.0.1");
@@ -239,6 +254,7 @@ int main(int argc, char *argv[])
         host.setRadio(&hamlib);
         hamlib.open(rigHost, quint16(rigPort));
     }
+#endif
     // QPluginLoader looks for relative names in the library paths; the user
     // means the current directory.
     QString path = parser.value(pluginOption);
@@ -381,8 +397,10 @@ int main(int argc, char *argv[])
     }
     const int code = app.exec();
     host.shutDown();
+#ifdef DIALIX_HOST_HAMLIB
     if (useRig)
         hamlib.shutDown();
+#endif
     qDeleteAll(panelWindows);
     return scripted ? result : code;
 }

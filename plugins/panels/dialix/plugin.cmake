@@ -31,17 +31,28 @@ dialix_warnings(dialix_root)
 # the module. It is part of the plug-in, not a library of its own.
 function(dialix_plugin_module target)
     add_library(${target} MODULE ${_dialix_src}/dialix.json)
-    set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX PREFIX "lib")
+    # libdialix.so on Linux, dialix.dll on Windows.
+    if(WIN32)
+        set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX PREFIX "")
+    else()
+        set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX PREFIX "lib")
+    endif()
     target_link_libraries(${target} PRIVATE
         "$<LINK_LIBRARY:WHOLE_ARCHIVE,dialix_root,dialix_keys>" ${ARGN})
-    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    if(NOT MSVC)
+        target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    endif()
 endfunction()
 
 # libdialix.so: the panels through Debian's hidapi (hidraw back end). hidapi is
 # linked in statically and bound inside the module, so the plug-in talks to the
 # real bus even in a process that also carries the virtual panel (the reference
 # host); its hid_* functions are exported under their own names.
-find_library(DIALIX_HIDAPI_STATIC NAMES libhidapi-hidraw.a)
+# On Windows hidapi is always static (the toolchain's), and its header marks
+# every hid_* function for export.
+if(NOT WIN32)
+    find_library(DIALIX_HIDAPI_STATIC NAMES libhidapi-hidraw.a)
+endif()
 if(DIALIX_HIDAPI_STATIC)
     dialix_plugin_module(dialix ${DIALIX_HIDAPI_STATIC} PkgConfig::LIBUDEV)
     target_link_options(dialix PRIVATE -Wl,-Bsymbolic)
