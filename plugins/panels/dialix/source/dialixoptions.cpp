@@ -146,6 +146,10 @@ void DialixOptions::paintLights()
         paint(keyButtons.at(i), keysLit & 1u << i);
     for (int j = 0; j < dialButtons.size(); ++j)
         paint(dialButtons.at(j), dialsLit & 1u << j);
+    QDial *dial = ui->dialFunc1;
+    if (vfoSteps != 0)
+        dial->setValue((vfoSteps + dial->value()) % dial->maximum());
+    vfoSteps = 0;
 }
 
 int DialixOptions::step(Step which) const
@@ -263,7 +267,7 @@ bool DialixOptions::isRtsChecked() const
 
 void DialixOptions::turnVfoDial(int steps)
 {
-    QDial *dial = ui->dialFunc1;
-    if (dial->maximum() != 0)
-        dial->setValue((steps + dial->value()) % dial->maximum());
+    const int maximum = ui->dialFunc1->maximum();
+    vfoSteps = maximum != 0 ? (vfoSteps + steps) % maximum : 0;
+    lightsChanged();
 }

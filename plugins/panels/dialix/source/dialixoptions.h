@@ -98,7 +98,8 @@ public:
     bool isDtrChecked() const;
     bool isRtsChecked() const;
 
-    // Turns the VFO dial's picture by `steps`, wrapping at its maximum.
+    // Turns the VFO dial's picture by `steps`, wrapping at its maximum, with
+    // the lights' next painting.
     void turnVfoDial(int steps);
 
     // Key n ("pbFunc" + n, 1 to 17) is lit while it is held. Dial j's button
@@ -148,5 +149,6 @@ private:
     quint32 dialsLit = 0; // bit j for dial j
     QElapsedTimer clock;
     qint64 dialMovedMs[4] = {};
+    int vfoSteps = 0; // not yet painted
     QBasicTimer frame; // runs while lights wait to be painted on a visible page
 };
