@@ -42,7 +42,10 @@ class DialixOptions : public QWidget
 
 public:
     static constexpr int DialReleaseMs = 50; // a dial's button stays lit this long after it turns
-    static constexpr int FrameMs = 16; // the shortest time between two paintings of the lights
+    // The shortest time between two paintings of the lights: 25 a second are
+    // smooth enough for a highlight, and each painting of the panel picture
+    // (the VFO dial above all) costs about a millisecond.
+    static constexpr int FrameMs = 40;
 
     explicit DialixOptions(QWidget *parent = nullptr);
     ~DialixOptions() override;
