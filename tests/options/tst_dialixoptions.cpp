@@ -165,13 +165,6 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!page.isDialLit(1) && !shown(17 + 1), 5000);
         QVERIFY(!buttons.at(17 + 1)->isCheckable());
         QVERIFY(!page.timers.at(1)->isActive());
-
-        page.hide();
-        page.lightKey(5, false);
-        QTest::qWait(2 * DialixOptions::FrameMs);
-        QVERIFY(shown(4));
-        page.show();
-        QVERIFY(!shown(4));
     }
 
     void translations_data()
