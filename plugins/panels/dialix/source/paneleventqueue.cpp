@@ -86,15 +86,16 @@ void PanelEventQueue::deliver()
     }
 }
 
+// The lock comes first, also for the event's type (see takeWakeLocked()).
 void PanelEventQueue::customEvent(QEvent *event)
 {
+    std::unique_lock<std::mutex> lock(mutex);
     if (event->type() != wakeType()) {
+        lock.unlock();
         QObject::customEvent(event);
         return;
     }
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        wakePosted = false;
-    }
+    wakePosted = false;
+    lock.unlock();
     deliver();
 }
