@@ -440,9 +440,9 @@ void latency(Host &host, int panel, FloorReader &floorReader, const QString &suf
     const double f50 = percentile(floor, 50), f99 = percentile(floor, 99);
     add("event_to_host_p50" + suffix, percentile(plugin, 50), "us",
         QStringLiteral("%1 presses; floor: reader wake-up + one queued signal").arg(plugin.size()),
-        f50, suffix.isEmpty() ? 1.5 * f50 : -1);
+        f50, suffix.isEmpty() ? 1.2 * f50 : -1);
     add("event_to_host_p99" + suffix, percentile(plugin, 99), "us", {}, f99,
-        suffix.isEmpty() ? 2 * f99 : -1);
+        suffix.isEmpty() ? 1.5 * f99 : -1);
     if (!suffix.isEmpty())
         return;
     add("reader_wake_queued_p50", f50, "us", "the floor: bare reader wakes, one queued signal");
@@ -531,7 +531,7 @@ void sustained(Host &host, int panel, const StreamCpu &floor)
                     : QStringLiteral("dials 1-3, VALUES DO NOT ADD UP"),
         -1, 0);
     add("sustained_vfo_commands", r.vfoPerPanel, "per_s", "dial 0 moved in every report", -1, 100);
-    addCpu("sustained_cpu", r.cpu, floor, 5);
+    addCpu("sustained_cpu", r.cpu, floor, 1.2 * floor.plugin());
     add("sustained_edge_to_host_p50", r.p50, "us", "key edges within the stream");
     add("sustained_edge_to_host_p99", r.p99, "us");
 }
@@ -541,7 +541,7 @@ void sustained(Host &host, int panel, const StreamCpu &floor)
 void sustainedPageShown(Host &host, int panel, const StreamCpu &floor)
 {
     const StreamResult r = stream(host, {panel}, 5 * scale());
-    addCpu("sustained_cpu_page_shown", r.cpu, floor, -1,
+    addCpu("sustained_cpu_page_shown", r.cpu, floor, 1.5 * floor.plugin(),
            QStringLiteral("; %1 lost").arg(r.edgesLost + r.dialsLost));
 }
 

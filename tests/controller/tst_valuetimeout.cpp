@@ -76,23 +76,14 @@ private slots:
         QVERIFY2(spy.count() <= streamed / 10 + 2, qPrintable(QString::number(spy.count())));
     }
 
-    void timeoutIsClamped_data()
-    {
-        QTest::addColumn<uint>("requested");
-        QTest::addColumn<uint>("expected");
-        QTest::newRow("5") << 5u << 10u;
-        QTest::newRow("11") << 11u << 11u;
-        QTest::newRow("1000") << 1000u << 1000u;
-        QTest::newRow("5000") << 5000u << 1000u;
-    }
-
     void timeoutIsClamped()
     {
-        QFETCH(uint, requested);
-        QFETCH(uint, expected);
-        ValueTimeout vt;
-        vt.setTimeout(requested);
-        QCOMPARE(vt.interval(), expected);
+        const uint rows[][2] = {{5, 10}, {11, 11}, {1000, 1000}, {5000, 1000}};
+        for (const auto &[requested, expected] : rows) {
+            ValueTimeout vt;
+            vt.setTimeout(requested);
+            QCOMPARE(vt.interval(), expected);
+        }
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include "plugins/panels/dialix/source/controldialix.h"
 #include "plugins/panels/dialix/source/devicewatcher.h"
+#include "tests/support/roothost.h"
 #include "tools/virtualpanel/virtualpanel.h"
 
 #include <QCheckBox>
@@ -33,14 +34,9 @@ public:
     }
 };
 
-QString optionsFile()
-{
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/options.ini");
-}
-
 } // namespace
 
-class tst_RootHotplug : public QObject
+class tst_RootHotplug : public QObject, public RootHost
 {
     Q_OBJECT
 
@@ -54,39 +50,19 @@ private slots:
 
 private:
     void load();
-    QTabWidget *tabs() const { return host->findChild<QTabWidget *>(); }
-    QWidget *page(int i) const { return tabs()->widget(i); }
-    void enable(int i, bool on = true)
-    {
-        page(i)->findChild<QCheckBox *>(QStringLiteral("chbEnable"))->setChecked(on);
-    }
-    QStringList tabTitles() const
-    {
-        QStringList titles;
-        for (int i = 0; i < tabs()->count(); ++i)
-            titles << tabs()->tabText(i);
-        return titles;
-    }
 
     FakeWatcher *watcher = nullptr; // the root's child
     QPointer<ControlDialix> root;
-    std::unique_ptr<QWidget> host;
 };
 
 void tst_RootHotplug::init()
 {
-    VirtualPanel::reset();
-    QFile::remove(optionsFile());
-    host = std::make_unique<QWidget>();
-    new QVBoxLayout(host.get());
+    setUp();
 }
 
 void tst_RootHotplug::cleanup()
 {
-    delete root.data();
-    host.reset();
-    VirtualPanel::reset();
-    QFile::remove(optionsFile());
+    tearDown(root.data());
 }
 
 void tst_RootHotplug::load()

@@ -4,6 +4,7 @@
 #include "plugins/panels/dialix/source/dialixtranslation.h"
 #include "tests/support/dialixtestaccess.h"
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -118,50 +119,52 @@ private slots:
         }
     }
 
-    void unpressDial_data()
+    // The page paints the lights of held keys and turning dials itself:
+    // nothing while hidden, all of them the moment it is shown, then at most
+    // once per frame. A dial's button goes out 50 ms after its last movement;
+    // unpressDial1() ignores numbers other than 1 to 3.
+    void lights()
     {
-        QTest::addColumn<int>("value");
-        QTest::addColumn<bool>("byTimer"); // the release timer fires, or unpressDial1(value)
-        QTest::addColumn<int>("released"); // the pbDial number released, -1 for none
-
-        QTest::newRow("0 does nothing") << 0 << false << -1;
-        QTest::newRow("1") << 1 << false << 1;
-        QTest::newRow("3") << 3 << false << 3;
-        QTest::newRow("4 does nothing") << 4 << false << -1;
-        QTest::newRow("timer 0 does nothing") << 0 << true << -1;
-        QTest::newRow("timer 1") << 1 << true << 1;
-        QTest::newRow("timer 2") << 2 << true << 2;
-        QTest::newRow("timer 3") << 3 << true << 3;
-    }
-
-    // A dial's button is un-lit (and its release timer stopped) by its number
-    // or by its own release timer; the others stay as they are.
-    void unpressDial()
-    {
-        QFETCH(int, value);
-        QFETCH(bool, byTimer);
-        QFETCH(int, released);
-
         DialixOptions page;
-        QList<QPushButton *> dials;
-        for (int n = 0; n <= 3; ++n) {
-            auto *button = page.findChild<QPushButton *>(QStringLiteral("pbDial%1").arg(n));
-            button->setCheckable(true);
-            button->setChecked(true);
-            dials << button;
-            page.timers.at(n)->start(byTimer && n == value ? 1 : 60000);
-        }
-        if (byTimer)
-            QTRY_VERIFY_WITH_TIMEOUT(!page.timers.at(value)->isActive(), 5000);
-        else
-            page.unpressDial1(value);
+        const auto buttons = panelButtons(page); // keys 1..17, then dials 0..3
+        const auto shown = [&buttons](int i) {
+            return buttons.at(i)->isChecked();
+        };
 
-        for (int n = 0; n <= 3; ++n) {
-            const bool release = n == released;
-            QCOMPARE(dials.at(n)->isChecked(), !release);
-            QCOMPARE(dials.at(n)->isCheckable(), !release);
-            QCOMPARE(page.timers.at(n)->isActive(), !release && !(byTimer && n == value));
-        }
+        page.lightKey(3, true);
+        page.lightKey(18, true);
+        page.lightDial(2);
+        page.lightDial(0);
+        QVERIFY(page.isKeyLit(3) && !page.isKeyLit(18) && page.isDialLit(2) && !page.isDialLit(0));
+        QVERIFY(!shown(2) && !shown(17 + 2));
+
+        page.show();
+        QVERIFY(shown(2) && shown(17 + 2));
+        QElapsedTimer clock;
+        clock.start();
+        page.lightKey(3, false);
+        page.lightKey(5, true);
+        page.lightKey(5, false);
+        page.lightKey(5, true);
+        QVERIFY(shown(2) && !shown(4)); // until the next frame
+        QTRY_VERIFY_WITH_TIMEOUT(!shown(2) && shown(4), 1000);
+        QVERIFY(clock.elapsed() >= DialixOptions::FrameMs - 1);
+        QVERIFY(shown(4) && page.isKeyLit(5)); // a held key stays lit
+
+        clock.restart();
+        page.lightDial(1);
+        for (int value : {0, 4, 1}) // 1 moved just now: stays lit
+            page.unpressDial1(value);
+        QVERIFY(page.isDialLit(1));
+        QTest::qWait(35);
+        page.lightDial(1);
+        const qint64 moved = clock.elapsed();
+        QTest::qWait(30); // past 50 ms after the first movement
+        if (clock.elapsed() - moved < 45) // unless the wait overran on a busy machine
+            QVERIFY(page.isDialLit(1) && shown(17 + 1));
+        QTRY_VERIFY_WITH_TIMEOUT(!page.isDialLit(1) && !shown(17 + 1), 5000);
+        QVERIFY(!buttons.at(17 + 1)->isCheckable());
+        QVERIFY(!page.timers.at(1)->isActive());
     }
 
     void translations_data()

@@ -1,6 +1,7 @@
 // Tests of the plug-in end to end, loaded through Qt's plug-in loader.
 
 #include "interfaces/dialixabstract.h"
+#include "tests/support/roothost.h"
 #include "tools/host/radiomodel.h"
 #include "tools/virtualpanel/virtualpanel.h"
 
@@ -42,11 +43,6 @@ public:
     int moxListeners() { return QObject::receivers(SIGNAL(moxChanged(quint32, bool))); }
 };
 
-QString optionsFile()
-{
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/options.ini");
-}
-
 QAction *findAction(QMenu *menu, const QString &text)
 {
     for (QAction *a : menu->actions()) {
@@ -60,7 +56,7 @@ QAction *findAction(QMenu *menu, const QString &text)
 
 } // namespace
 
-class tst_ControlDialix : public QObject
+class tst_ControlDialix : public QObject, public RootHost
 {
     Q_OBJECT
 
@@ -83,35 +79,21 @@ private slots:
 private:
     // Loads the virtual module's root and places its tab widget in a host widget.
     bool load();
-    QTabWidget *tabs() const
-    {
-        return host->findChild<QTabWidget *>(QStringLiteral("DialixmainTab"));
-    }
-    QStringList tabTitles() const;
-    QWidget *page(int i) const { return tabs()->widget(i); }
-    void enable(int pageIndex);
 
     std::unique_ptr<QPluginLoader> loader;
     QPointer<DialixAbstract> root;
-    std::unique_ptr<QWidget> host;
 };
 
 void tst_ControlDialix::init()
 {
-    VirtualPanel::reset();
-    QFile::remove(optionsFile());
-    host = std::make_unique<QWidget>();
-    new QVBoxLayout(host.get());
+    setUp();
 }
 
 void tst_ControlDialix::cleanup()
 {
     // Deleting the root lets the next instance() build a fresh one.
-    delete root.data();
-    host.reset();
+    tearDown(root.data());
     loader.reset();
-    VirtualPanel::reset();
-    QFile::remove(optionsFile());
 }
 
 bool tst_ControlDialix::load()
@@ -121,21 +103,6 @@ bool tst_ControlDialix::load()
     if (!root)
         qWarning() << loader->errorString();
     return root && root->addWidget(host->layout());
-}
-
-QStringList tst_ControlDialix::tabTitles() const
-{
-    QStringList titles;
-    for (int i = 0; i < tabs()->count(); ++i)
-        titles << tabs()->tabText(i);
-    return titles;
-}
-
-void tst_ControlDialix::enable(int pageIndex)
-{
-    auto *box = page(pageIndex)->findChild<QCheckBox *>(QStringLiteral("chbEnable"));
-    QVERIFY(box);
-    box->setChecked(true);
 }
 
 void tst_ControlDialix::metadataBeforeLoading_data()

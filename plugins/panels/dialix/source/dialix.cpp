@@ -146,37 +146,37 @@ void Dialix::processReport(const unsigned char *data, int length)
 {
     if (!data || length != ReportSize)
         return;
-
     const Events events = decode(data, previousSwitches);
-    for (const Event &event : events) {
-        const bool state = event.value != 0;
-        switch (event.line) {
-        case Line::Key:
-            emit button(static_cast<Buttons>(event.index), state);
-            break;
-        case Line::DialPush:
-            emit dialButton(static_cast<DialButtons>(event.index), state);
-            break;
-        case Line::Ptt:
-            emit ptt(state);
-            break;
-        case Line::Dash:
-            emit dash(state);
-            break;
-        case Line::Dot:
-            emit dot(state);
-            break;
-        case Line::Dial:
-            emit dial(static_cast<Dials>(event.index), event.value);
-            break;
-        case Line::None:
-            break;
-        }
-    }
-
     previousSwitches = events.switches;
-    if (reportDone)
-        reportDone();
+    handOver.add(events);
+}
+
+// On the owner's thread, one event at a time (see PanelEventQueue).
+void Dialix::emitEvent(const Event &event)
+{
+    const bool state = event.value != 0;
+    switch (event.line) {
+    case Line::Key:
+        emit button(static_cast<Buttons>(event.index), state);
+        break;
+    case Line::DialPush:
+        emit dialButton(static_cast<DialButtons>(event.index), state);
+        break;
+    case Line::Ptt:
+        emit ptt(state);
+        break;
+    case Line::Dash:
+        emit dash(state);
+        break;
+    case Line::Dot:
+        emit dot(state);
+        break;
+    case Line::Dial:
+        emit dial(static_cast<Dials>(event.index), event.value);
+        break;
+    case Line::None:
+        break;
+    }
 }
 
 void Dialix::waitForWrites(std::chrono::steady_clock::time_point deadline)

@@ -5,24 +5,16 @@
 #include "command/qrvcommand.h"
 #include "interfaces/cwkeycontrolabstract.h"
 #include "interfaces/devicemanagerabstract.h"
-#include "interfaces/dialixlogging.h"
 #include "plugins/panels/dialix/source/dialixoptions.h"
-#include "plugins/panels/dialix/source/optionsfile.h"
 #include "serial/serialportabstract.h"
 
-#include <QAction>
-#include <QActionGroup>
 #include <QCoreApplication>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSettings>
 #include <QThread>
 
-#include <algorithm>
 #include <utility>
-
-using dialix::SubMenu;
 
 namespace {
 
@@ -38,20 +30,6 @@ constexpr quint32 PanelSource = 1;
 // PTT transfer modes (cbPttTransfer index).
 constexpr int PttToHost = 1;
 constexpr int PttToComPort = 2;
-
-// The event that wakes a controller to run the panel events handed to it.
-QEvent::Type panelEventType()
-{
-    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
-    return type;
-}
-
-// Entry i of a list of the page's buttons, or null; without copying the guard
-// (a copy counts a reference up and down again on every press and movement).
-QPushButton *buttonAt(const QList<QPointer<QPushButton>> &buttons, int i)
-{
-    return i >= 0 && i < buttons.size() ? buttons.at(i).data() : nullptr;
-}
 
 // Serial-port lines that PTT raises.
 enum SerialLine { LineDtr = 1, LineRts = 2 };
@@ -87,27 +65,16 @@ DialixControl::DialixControl(QObject *parent)
     device.findDevices();
 
     connect(options, &DialixOptions::enableToggled, this, &DialixControl::open);
-    // The device's signals reach onButton, onDialButton, onDial, onPtt, KeyDash
-    // and KeyDot (dispatch()) on this thread, through panelEvent().
-    using E = PanelEvent;
-    const auto relay = [this](E::Kind kind) {
-        return [this, kind](auto a, auto... b) {
-            panelEvent({kind, int(a), int(b)...});
-        };
-    };
-    connect(&device, &Dialix::button, this, relay(E::Button), Qt::DirectConnection);
-    connect(&device, &Dialix::dialButton, this, relay(E::DialButton), Qt::DirectConnection);
-    connect(&device, &Dialix::dial, this, relay(E::Dial), Qt::DirectConnection);
-    connect(&device, &Dialix::ptt, this, relay(E::Ptt), Qt::DirectConnection);
-    connect(&device, &Dialix::dash, this, relay(E::Dash), Qt::DirectConnection);
-    connect(&device, &Dialix::dot, this, relay(E::Dot), Qt::DirectConnection);
-    device.setReportDone([this] { panelReportDone(); });
-    valueTimeout.installEventFilter(this);
-    clock.start();
-    for (int j = 1; j < DialCount; ++j) {
-        if (QTimer *release = options->timers.value(j))
-            release->installEventFilter(this);
-    }
+    connect(&device, &Dialix::button, this, &DialixControl::onButton);
+    connect(&device, &Dialix::dialButton, this, &DialixControl::onDialButton);
+    connect(&device, &Dialix::dial, this, &DialixControl::onDial);
+    connect(&device, &Dialix::ptt, this, &DialixControl::onPtt);
+    connect(&device, &Dialix::dash, this, &DialixControl::KeyDash);
+    connect(&device, &Dialix::dot, this, &DialixControl::KeyDot);
+    // VFO movements need not wake this thread while the coalescer ticks: each
+    // tick takes the movements handed over so far before it looks for a value.
+    device.setLazyDial(Dialix::Enc0, [this] { return valueTimeout.isPending(); });
+    connect(&valueTimeout, &ValueTimeout::aboutToTick, &device, &Dialix::deliverEvents);
     connect(options, &DialixOptions::setLedKey, this, &DialixControl::onLedButtons);
     connect(options, &DialixOptions::setLedEncoder, this, &DialixControl::onLedEncoder);
     connect(options, &DialixOptions::vfoBToggled, this, &DialixControl::onVfoB);
@@ -138,80 +105,6 @@ DialixControl::~DialixControl()
     qDeleteAll(dialMenus);
 }
 
-// The function menus are top-level widgets without a parent; the controller
-// keeps them in its lists and deletes them. Their actions belong to the menus,
-// their exclusive groups to the controller.
-void DialixControl::buildButtonMenus()
-{
-    for (int k = 1; k <= ButtonCount; ++k) {
-        auto *menu = new QMenu();
-        for (int id = 0; id < dialix::ButtonFunctionCount; ++id)
-            menu->addAction(dialix::buttonFunctionText(id));
-        const QList<QAction *> actions = menu->actions();
-
-        audioMenu = new QMenu(dialix::subMenuText(SubMenu::Audio), menu);
-        dspMenu = new QMenu(dialix::subMenuText(SubMenu::Dsp), menu);
-        mainMenu = new QMenu(dialix::subMenuText(SubMenu::Main), menu);
-        vfoRx2Menu = new QMenu(dialix::subMenuText(SubMenu::VfoRx2), menu);
-        const auto fill = [&actions](QMenu *subMenu, SubMenu which) {
-            for (int id : dialix::subMenuFunctions(which))
-                subMenu->addAction(actions.at(id));
-        };
-        fill(audioMenu, SubMenu::Audio);
-        fill(dspMenu, SubMenu::Dsp);
-        fill(mainMenu, SubMenu::Main);
-        fill(vfoRx2Menu, SubMenu::VfoRx2);
-
-        auto *group = new QActionGroup(this);
-        for (QAction *action : actions) {
-            action->setCheckable(true);
-            group->addAction(action);
-        }
-        actions.first()->setChecked(true);
-        connect(group, &QActionGroup::triggered, this, &DialixControl::changedFunctionButton);
-        buttonMenus.append(menu);
-        buttonGroups.append(group);
-
-        auto *button = options->findChild<QPushButton *>(QStringLiteral("pbFunc%1").arg(k));
-        funcButtons.append(button);
-        if (button) {
-            button->setMenu(menu);
-            button->setToolTip(dialix::buttonFunctionText(0));
-        }
-
-        for (int i = 1; i < actions.size(); ++i)
-            menu->removeAction(actions.at(i));
-        for (QMenu *subMenu : {mainMenu, vfoRx2Menu, audioMenu, dspMenu})
-            menu->addMenu(subMenu);
-    }
-}
-
-void DialixControl::buildDialMenus()
-{
-    for (int j = 0; j < DialCount; ++j) {
-        auto *menu = new QMenu();
-        auto *group = new QActionGroup(this);
-        for (int id = 0; id < dialix::DialFunctionCount; ++id) {
-            QAction *action = menu->addAction(dialix::dialFunctionText(id));
-            action->setCheckable(true);
-            group->addAction(action);
-        }
-        group->actions().first()->setChecked(true);
-        connect(group, &QActionGroup::triggered, this, &DialixControl::changedFunctionDial);
-        dialMenus.append(menu);
-        dialGroups.append(group);
-
-        auto *button = options->findChild<QPushButton *>(QStringLiteral("pbDial%1").arg(j));
-        dialButtons.append(button);
-        if (button) {
-            button->setMenu(menu);
-            button->setToolTip(dialix::dialFunctionText(0));
-            // Dial 0 is the VFO encoder: it has no assignable function.
-            button->setVisible(j != 0);
-        }
-    }
-}
-
 // ---------------------------------------------------------------------------
 // Host binding, opening, channels
 
@@ -223,30 +116,6 @@ QString DialixControl::name() const
 void DialixControl::closeDevices()
 {
     device.closeDevice();
-}
-
-void DialixControl::saveSettings(QSettings *settings)
-{
-    if (settings)
-        writeAssignments(*settings);
-}
-
-void DialixControl::readSettings(QSettings *settings)
-{
-    if (settings)
-        readAssignments(*settings);
-}
-
-void DialixControl::saveExtraSettings(QSettings *settings)
-{
-    if (settings)
-        writeHostAssignments(*settings);
-}
-
-void DialixControl::readExtraSettings(QSettings *settings)
-{
-    if (settings)
-        readHostAssignments(*settings);
 }
 
 void DialixControl::open(bool state)
@@ -341,147 +210,6 @@ void DialixControl::onPttTransferMode(int index)
 
 // ---------------------------------------------------------------------------
 // Panel events
-
-// Called on the thread that emitted the device's signal. An event emitted on
-// this thread runs at once. The reader thread's events are queued, and once a
-// report's signals are all there (panelReportDone()) one posted event wakes
-// this thread to run them in order: the five signals of a report cost one
-// wake-up, not five queued calls. A VFO encoder movement wakes nobody while the
-// coalescer is sure to tick within its interval: the tick runs the queue first
-// (eventFilter()), so the movement is coalesced on that same tick, as if it had
-// been delivered at once. Events emitted on any other thread wake this one at
-// once.
-void DialixControl::panelEvent(PanelEvent event)
-{
-    QThread *current = QThread::currentThread();
-    if (current == thread()) {
-        dispatch(event);
-        return;
-    }
-    const bool vfo = event.kind == PanelEvent::Dial && event.a == Dialix::Enc0;
-    QEvent *wake = nullptr;
-    {
-        std::lock_guard<std::mutex> lock(panelMutex);
-        panelEvents.push_back(event);
-        panelUrgent = panelUrgent || !(vfo && vfoTickRuns);
-        if (current != &device)
-            wake = takeWakeLocked();
-    }
-    if (wake)
-        QCoreApplication::postEvent(this, wake);
-}
-
-// The device decoded a report and emitted its signals (on its reader thread).
-void DialixControl::panelReportDone()
-{
-    if (QThread::currentThread() == thread())
-        return; // its events ran at once
-    QEvent *wake = nullptr;
-    {
-        std::lock_guard<std::mutex> lock(panelMutex);
-        wake = takeWakeLocked();
-    }
-    if (wake)
-        QCoreApplication::postEvent(this, wake);
-}
-
-// The event that wakes this thread for the queue, when queued events need it
-// and none is on its way. Made under panelMutex, which customEvent() takes
-// before it looks at the event: the hand-over is then ordered by a lock that
-// ThreadSanitizer sees, not only by Qt's own posting lock.
-QEvent *DialixControl::takeWakeLocked()
-{
-    if (!panelUrgent || panelWakePosted)
-        return nullptr;
-    panelWakePosted = true;
-    panelUrgent = false;
-    return new QEvent(panelEventType());
-}
-
-// Runs the queued panel events one at a time, so that a slot that spins an
-// event loop (and so runs this again) keeps their order.
-void DialixControl::runPanelEvents()
-{
-    for (;;) {
-        PanelEvent event;
-        {
-            std::lock_guard<std::mutex> lock(panelMutex);
-            if (panelNext == panelEvents.size()) {
-                panelEvents.clear();
-                panelNext = 0;
-                panelUrgent = false;
-                // A pending value keeps the coalescer ticking: its next tick
-                // comes within the interval and runs the queue first.
-                vfoTickRuns = valueTimeout.isPending();
-                return;
-            }
-            event = panelEvents[panelNext++];
-        }
-        dispatch(event);
-    }
-}
-
-void DialixControl::dispatch(const PanelEvent &event)
-{
-    switch (event.kind) {
-    case PanelEvent::Button:
-        onButton(static_cast<Dialix::Buttons>(event.a), event.b);
-        break;
-    case PanelEvent::DialButton:
-        onDialButton(static_cast<Dialix::DialButtons>(event.a), event.b);
-        break;
-    case PanelEvent::Dial:
-        onDial(static_cast<Dialix::Dials>(event.a), event.b);
-        break;
-    case PanelEvent::Ptt:
-        onPtt(event.a);
-        break;
-    case PanelEvent::Dash:
-        KeyDash(event.a);
-        break;
-    case PanelEvent::Dot:
-        KeyDot(event.a);
-        break;
-    }
-}
-
-void DialixControl::customEvent(QEvent *event)
-{
-    std::unique_lock<std::mutex> lock(panelMutex);
-    if (event->type() != panelEventType()) {
-        lock.unlock();
-        DialixAbstract::customEvent(event);
-        return;
-    }
-    panelWakePosted = false;
-    lock.unlock();
-    runPanelEvents();
-}
-
-bool DialixControl::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() != QEvent::Timer)
-        return DialixAbstract::eventFilter(watched, event);
-    if (watched == &valueTimeout) {
-        // The coalescer's tick: the VFO movements that did not wake this
-        // thread reach it before it looks for a value.
-        runPanelEvents();
-        return false;
-    }
-    for (int j = 1; j < DialCount; ++j) {
-        QTimer *release = options ? options->timers.value(j) : nullptr;
-        if (!release || watched != release)
-            continue;
-        // The dial moved again after the timer started: let it run until
-        // DialReleaseMs after the last movement instead of un-lighting now.
-        const qint64 left = DialReleaseMs - (clock.elapsed() - dialMovedMs[j]);
-        if (left <= 0)
-            return false;
-        release->start(int(left));
-        return true;
-    }
-    return DialixAbstract::eventFilter(watched, event);
-}
 
 void DialixControl::onButton(Dialix::Buttons button, bool state)
 {
@@ -627,40 +355,19 @@ void DialixControl::Enc3(int Val)
     functionDial(3, Val);
 }
 
+// Functions act on the press; a release only ends the highlight.
 void DialixControl::functionButton(int n, bool pressed)
 {
-    QPushButton *button = buttonAt(funcButtons, n - 1);
-    if (!pressed) {
-        // Functions act on the press; a release only ends the highlight. A
-        // button that is not checkable is not checked either; setChecked(false)
-        // would first search the whole panel picture for exclusive siblings.
-        if (button) {
-            button->setCheckable(false);
-            button->update();
-        }
-        return;
-    }
-    if (button) {
-        button->setCheckable(true);
-        button->setChecked(true);
-    }
-    runButtonFunction(checkedPosition(buttonGroups.value(n - 1)));
+    if (options)
+        options->lightKey(n, pressed);
+    if (pressed)
+        runButtonFunction(checkedPosition(buttonGroups.value(n - 1)));
 }
 
 void DialixControl::functionDial(int j, int value)
 {
-    if (QPushButton *button = buttonAt(dialButtons, j)) {
-        button->setCheckable(true);
-        button->setChecked(true);
-    }
-    // The button stays lit until DialReleaseMs after the last movement. A
-    // running release timer is not restarted for every movement: when it fires
-    // too early, eventFilter() sets it again for the time that is left.
-    dialMovedMs[j] = clock.elapsed();
-    if (QTimer *release = options->timers.value(j)) {
-        if (!release->isActive())
-            release->start(DialReleaseMs);
-    }
+    if (options)
+        options->lightDial(j);
     runDialFunction(checkedPosition(dialGroups.value(j)), value);
 }
 
@@ -867,170 +574,6 @@ void DialixControl::onSerialPortOpen(bool state)
     QMessageBox::critical(options, QCoreApplication::applicationName(),
                           tr("Failed to open ") + name + tr(" for PTT transfer!"), QMessageBox::Ok);
     options->setPortEnabledChecked(false);
-}
-
-// ---------------------------------------------------------------------------
-// Assignments
-
-int DialixControl::checkedPosition(const QActionGroup *group)
-{
-    if (!group)
-        return -1;
-    const QAction *checked = group->checkedAction();
-    return checked ? group->actions().indexOf(const_cast<QAction *>(checked)) : -1;
-}
-
-void DialixControl::checkPosition(QActionGroup *group, int position)
-{
-    const QList<QAction *> actions = group->actions();
-    if (position < 0 || position >= actions.size())
-        position = 0;
-    actions.at(position)->setChecked(true);
-}
-
-int DialixControl::buttonFunction(int n) const
-{
-    return checkedPosition(buttonGroups.value(n - 1));
-}
-
-int DialixControl::dialFunction(int j) const
-{
-    return checkedPosition(dialGroups.value(j));
-}
-
-bool DialixControl::assignButtonFunction(int n, int id)
-{
-    QActionGroup *group = buttonGroups.value(n - 1);
-    if (!group || !dialix::isButtonFunction(id))
-        return false;
-    QAction *action = group->actions().at(id);
-    action->setChecked(true);
-    emit group->triggered(action);
-    return true;
-}
-
-bool DialixControl::assignDialFunction(int j, int id)
-{
-    QActionGroup *group = dialGroups.value(j);
-    if (!group || !dialix::isDialFunction(id))
-        return false;
-    QAction *action = group->actions().at(id);
-    action->setChecked(true);
-    emit group->triggered(action);
-    return true;
-}
-
-void DialixControl::changedFunctionButton(QAction *action)
-{
-    Q_UNUSED(action)
-    auto *group = qobject_cast<QActionGroup *>(sender());
-    const int k = buttonGroups.indexOf(group);
-    if (k < 0)
-        return;
-    const int f = checkedPosition(group);
-    if (QPushButton *button = funcButtons.value(k)) {
-        button->setText(dialix::buttonFunctionShortText(f));
-        button->setToolTip(dialix::buttonFunctionText(f));
-    }
-}
-
-void DialixControl::changedFunctionDial(QAction *action)
-{
-    Q_UNUSED(action)
-    auto *group = qobject_cast<QActionGroup *>(sender());
-    const int k = dialGroups.indexOf(group);
-    if (k < 0)
-        return;
-    const int f = checkedPosition(group);
-    if (QPushButton *button = dialButtons.value(k)) {
-        button->setText(dialix::dialFunctionShortText(f));
-        button->setToolTip(dialix::dialFunctionText(f));
-    }
-}
-
-QString DialixControl::optionsFilePath()
-{
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/options.ini");
-}
-
-// The own file is read with a format that never decodes a serialised value
-// (see optionsfile.h): a damaged file loads what it can and falls back for the
-// rest, and the next save writes it clean.
-void DialixControl::saveOptions()
-{
-    QSettings settings(optionsFilePath(), dialix::optionsFileFormat());
-    writeAssignments(settings);
-    settings.sync();
-    // Where the application's directory cannot be written (an installed host
-    // on Linux), the file is not saved; the host's own settings still keep the
-    // assignments. Said once, and once more if saving works again.
-    static bool failing = false;
-    if ((settings.status() == QSettings::AccessError) == failing)
-        return;
-    failing = !failing;
-    if (failing)
-        qCDebug(dialixLog, "%s: cannot write %s; the host's settings keep the assignments",
-                Q_FUNC_INFO, qUtf8Printable(optionsFilePath()));
-    else
-        qCDebug(dialixLog, "%s: %s is written again", Q_FUNC_INFO,
-                qUtf8Printable(optionsFilePath()));
-}
-
-void DialixControl::loadOptions()
-{
-    QSettings settings(optionsFilePath(), dialix::optionsFileFormat());
-    readAssignments(settings);
-}
-
-void DialixControl::writeAssignments(QSettings &settings)
-{
-    store(settings, AssignmentStore::OwnFile);
-}
-
-void DialixControl::readAssignments(QSettings &settings)
-{
-    load(settings, AssignmentStore::OwnFile);
-}
-
-void DialixControl::writeHostAssignments(QSettings &settings)
-{
-    store(settings, AssignmentStore::HostSettings);
-}
-
-void DialixControl::readHostAssignments(QSettings &settings)
-{
-    load(settings, AssignmentStore::HostSettings);
-}
-
-dialix::Assignments DialixControl::assignments() const
-{
-    dialix::Assignments a;
-    for (int n = 1; n <= ButtonCount; ++n)
-        a.keys[n - 1] = buttonFunction(n);
-    for (int j = 0; j < DialCount; ++j)
-        a.dials[j] = dialFunction(j);
-    return a;
-}
-
-void DialixControl::store(QSettings &settings, AssignmentStore::Layout layout)
-{
-    AssignmentStore(settings, layout).write(index, assignments(), *options);
-}
-
-// Only the own file's reading re-labels the page's buttons.
-void DialixControl::load(QSettings &settings, AssignmentStore::Layout layout)
-{
-    dialix::Assignments a = assignments();
-    AssignmentStore(settings, layout).read(index, a, *options);
-    const auto restore = [layout](QActionGroup *group, int id) {
-        checkPosition(group, id);
-        if (layout == AssignmentStore::OwnFile)
-            emit group->triggered(group->checkedAction());
-    };
-    for (int n = 0; n < ButtonCount; ++n)
-        restore(buttonGroups.at(n), a.keys[n]);
-    for (int j = 0; j < DialCount; ++j)
-        restore(dialGroups.at(j), a.dials[j]);
 }
 
 // ---------------------------------------------------------------------------

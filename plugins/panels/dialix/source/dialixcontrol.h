@@ -12,15 +12,12 @@
 #include "plugins/panels/dialix/source/valuetimeout.h"
 #include "serial/serialportcontrol.h"
 
-#include <QElapsedTimer>
 #include <QList>
 #include <QPointer>
 #include <QTimer>
 #include <QVariant>
 
 #include <memory>
-#include <mutex>
-#include <vector>
 
 class QAction;
 class QActionGroup;
@@ -55,9 +52,8 @@ class qrvCommand;
 // from the function table; the checked action's position is the function id.
 //
 // Everything runs on the thread that created the controller (the host's GUI
-// thread). The device's reader thread hands its events over in batches, one
-// wake-up of this thread per batch (see panelEvent()); the slots they call run
-// here, in the order the device emitted them.
+// thread); the device emits the panel's events here, in the order the panel
+// reported them.
 //
 // As a DialixAbstract it also offers the plug-in's operations for one panel:
 // command() is its codec, saveSettings/readSettings use the "/options.ini"
@@ -71,7 +67,6 @@ public:
     static constexpr int ButtonCount = dialix::Assignments::KeyCount; // pbFunc1 .. pbFunc17
     static constexpr int DialCount = dialix::Assignments::DialCount; // pbDial0 .. pbDial3
     static constexpr int RetryIntervalMs = 1000;
-    static constexpr int DialReleaseMs = 50;
     static constexpr double VolumeMin = -60.0;
     static constexpr double VolumeMax = 0.0;
 
@@ -132,10 +127,6 @@ public:
     std::shared_ptr<qrvCommand> sharedCommand() const { return codec; }
     void setManager(DeviceManagerAbstract *manager) override { setDevManager(manager); }
 
-protected:
-    void customEvent(QEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 public slots:
     void open(bool state);
     void terminate();
@@ -193,20 +184,6 @@ private slots:
     void onSerialPortOpen(bool state);
 
 private:
-    // One of the device's signals, as the reader thread hands it over.
-    struct PanelEvent
-    {
-        enum Kind : quint8 { Button, DialButton, Dial, Ptt, Dash, Dot };
-        Kind kind;
-        int a; // the button or dial; the state of PTT, dash and dot
-        int b = 0; // the button's state or the dial's movement
-    };
-    void panelEvent(PanelEvent event);
-    void panelReportDone();
-    QEvent *takeWakeLocked();
-    void runPanelEvents();
-    void dispatch(const PanelEvent &event);
-
     using ButtonHandler = void (DialixControl::*)();
     using DialHandler = void (DialixControl::*)(int);
     static const ButtonHandler buttonHandlers[dialix::ButtonFunctionCount];
@@ -247,14 +224,6 @@ private:
     static int checkedPosition(const QActionGroup *group);
     static void checkPosition(QActionGroup *group, int position);
 
-    // Panel events on their way from the reader thread, guarded by panelMutex.
-    // Declared before `device`, whose reader thread adds to them until it stops.
-    std::mutex panelMutex;
-    std::vector<PanelEvent> panelEvents;
-    std::size_t panelNext = 0; // the next one to run
-    bool panelUrgent = false; // some of them need a wake-up
-    bool panelWakePosted = false; // a posted event will run them
-    bool vfoTickRuns = false; // the VFO coalescer's next tick will run them
     Dialix device;
     std::shared_ptr<qrvCommand> codec;
     QPointer<DialixOptions> options;
@@ -277,9 +246,6 @@ private:
     ValueTimeout valueTimeout;
     SerialPortControl serialPort;
     QTimer retryTimer;
-    // When each dial last moved (clock time, ms), for its button's release timer.
-    QElapsedTimer clock;
-    qint64 dialMovedMs[DialCount] = {};
 
     // Where the panel's PTT press went: its release goes the same way, also
     // when the routing options changed while PTT was held.

@@ -6,10 +6,11 @@
 
 #include <QSignalMapper>
 #include <QTimer>
+#include <QTimerEvent>
 
 namespace {
 constexpr int DialReleaseTimers = 4;
-constexpr int DialReleaseMs = 50;
+constexpr int KeyButtons = 17;
 } // namespace
 
 DialixOptions::DialixOptions(QWidget *parent)
@@ -30,6 +31,12 @@ DialixOptions::DialixOptions(QWidget *parent)
     }
     connect(signalMapper, &QSignalMapper::mappedInt, this, &DialixOptions::unpressDial1);
 
+    for (int n = 1; n <= KeyButtons; ++n)
+        keyButtons.append(findChild<QPushButton *>(QStringLiteral("pbFunc%1").arg(n)));
+    for (int j = 0; j < DialReleaseTimers; ++j)
+        dialButtons.append(findChild<QPushButton *>(QStringLiteral("pbDial%1").arg(j)));
+    clock.start();
+
     connect(ui->chbKeyLed, &QCheckBox::toggled, this, &DialixOptions::setLedKey);
     connect(ui->chbEncoderLed, &QCheckBox::toggled, this, &DialixOptions::setLedEncoder);
     connect(ui->chbEnable, &QCheckBox::toggled, this, &DialixOptions::enableToggled);
@@ -49,24 +56,100 @@ DialixOptions::~DialixOptions()
 
 void DialixOptions::unpressDial1(int value)
 {
-    QPushButton *button = nullptr;
-    switch (value) {
-    case 1:
-        button = ui->pbDial1;
-        break;
-    case 2:
-        button = ui->pbDial2;
-        break;
-    case 3:
-        button = ui->pbDial3;
-        break;
-    default:
+    if (value < 1 || value >= DialReleaseTimers)
+        return;
+    QTimer *timer = timers.at(value);
+    const qint64 left = DialReleaseMs - (clock.elapsed() - dialMovedMs[value]);
+    if (left > 0 && (dialsLit & 1u << value)) {
+        // The dial moved again after the timer started.
+        timer->start(int(left));
         return;
     }
-    button->setChecked(false);
-    button->setCheckable(false);
-    if (timers.at(value)->isActive())
-        timers.at(value)->stop();
+    timer->stop();
+    dialsLit &= ~(1u << value);
+    lightsChanged();
+}
+
+void DialixOptions::lightKey(int n, bool on)
+{
+    if (n < 1 || n > KeyButtons)
+        return;
+    const quint32 bit = 1u << (n - 1);
+    keysLit = on ? keysLit | bit : keysLit & ~bit;
+    lightsChanged();
+}
+
+void DialixOptions::lightDial(int j)
+{
+    if (j < 1 || j >= DialReleaseTimers)
+        return;
+    dialsLit |= 1u << j;
+    dialMovedMs[j] = clock.elapsed();
+    // A running timer is not restarted for every movement: when it fires too
+    // early, unpressDial1() sets it again for the time that is left.
+    QTimer *timer = timers.at(j);
+    if (!timer->isActive())
+        timer->start(DialReleaseMs);
+    lightsChanged();
+}
+
+bool DialixOptions::isKeyLit(int n) const
+{
+    return n >= 1 && n <= KeyButtons && (keysLit & 1u << (n - 1));
+}
+
+bool DialixOptions::isDialLit(int j) const
+{
+    return j >= 0 && j < DialReleaseTimers && (dialsLit & 1u << j);
+}
+
+// A hidden page paints nothing; showEvent() brings it up to date.
+void DialixOptions::lightsChanged()
+{
+    if (isVisible() && !frame.isActive())
+        frame.start(FrameMs, this);
+}
+
+void DialixOptions::showEvent(QShowEvent *event)
+{
+    paintLights();
+    QWidget::showEvent(event);
+}
+
+void DialixOptions::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() != frame.timerId()) {
+        QWidget::timerEvent(event);
+        return;
+    }
+    frame.stop();
+    paintLights();
+}
+
+// A lit button is checkable and checked. An unlit one is not checkable, which
+// unchecks it too; setChecked(false) would first search the whole panel
+// picture for exclusive siblings.
+void DialixOptions::paintLights()
+{
+    const auto paint = [](QPushButton *button, bool lit) {
+        if (!button || button->isChecked() == lit)
+            return;
+        if (lit) {
+            button->setCheckable(true);
+            button->setChecked(true);
+        } else {
+            button->setCheckable(false);
+            button->update();
+        }
+    };
+    for (int i = 0; i < keyButtons.size(); ++i)
+        paint(keyButtons.at(i), keysLit & 1u << i);
+    for (int j = 0; j < dialButtons.size(); ++j)
+        paint(dialButtons.at(j), dialsLit & 1u << j);
+    QDial *dial = ui->dialFunc1;
+    if (vfoSteps != 0)
+        dial->setValue((vfoSteps + dial->value()) % dial->maximum());
+    vfoSteps = 0;
 }
 
 int DialixOptions::step(Step which) const
@@ -184,7 +267,7 @@ bool DialixOptions::isRtsChecked() const
 
 void DialixOptions::turnVfoDial(int steps)
 {
-    QDial *dial = ui->dialFunc1;
-    if (dial->maximum() != 0)
-        dial->setValue((steps + dial->value()) % dial->maximum());
+    const int maximum = ui->dialFunc1->maximum();
+    vfoSteps = maximum != 0 ? (vfoSteps + steps) % maximum : 0;
+    lightsChanged();
 }

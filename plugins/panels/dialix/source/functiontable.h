@@ -210,13 +210,6 @@ constexpr QLatin1String dialFunctionShortLabel(int id)
     return isDialFunction(id) ? dialFunctions[id].shortLabel : QLatin1String("", 0);
 }
 
-// The sub-menu holding key function id (SubMenu::Top for "Unused" and for ids
-// outside the table).
-constexpr SubMenu buttonFunctionSubMenu(int id)
-{
-    return isButtonFunction(id) ? buttonFunctions[id].subMenu : SubMenu::Top;
-}
-
 // Number of functions in a sub-menu (Top holds only "Unused").
 constexpr int subMenuSize(SubMenu menu)
 {

@@ -54,6 +54,7 @@ void ValueTimeout::timerEvent(QTimerEvent *event)
         QObject::timerEvent(event);
         return;
     }
+    emit aboutToTick();
     if (!changed) {
         // Nothing came since the last tick: rest until a value does.
         aligning = false;
