@@ -5,7 +5,13 @@
 
 #include <QtTest>
 
+#ifdef Q_OS_LINUX
 #include <linux/input-event-codes.h>
+#define LINUX_KEY(name) name
+#else
+// The Linux column is checked where the system's header is.
+#define LINUX_KEY(name) -1
+#endif
 
 namespace {
 
@@ -47,19 +53,23 @@ void tst_SenderKeyToSystem::injectedKeys_data()
     QTest::addColumn<int>("linuxKey");
 
     // Keypad keys, whose Linux codes are not in digit order.
-    const int keypad[] = {KEY_KP0, KEY_KP1, KEY_KP2, KEY_KP3, KEY_KP4,
-                          KEY_KP5, KEY_KP6, KEY_KP7, KEY_KP8, KEY_KP9};
+    const int keypad[] = {LINUX_KEY(KEY_KP0), LINUX_KEY(KEY_KP1), LINUX_KEY(KEY_KP2),
+                          LINUX_KEY(KEY_KP3), LINUX_KEY(KEY_KP4), LINUX_KEY(KEY_KP5),
+                          LINUX_KEY(KEY_KP6), LINUX_KEY(KEY_KP7), LINUX_KEY(KEY_KP8),
+                          LINUX_KEY(KEY_KP9)};
     for (int digit = 0; digit <= 9; ++digit)
         QTest::addRow("digit %d", digit) << Qt::Key_0 + digit << 0x60 + digit << keypad[digit];
 
-    QTest::newRow("comma") << int(Qt::Key_Comma) << 0xBC << KEY_COMMA;
-    QTest::newRow("return") << int(Qt::Key_Return) << 0x0D << KEY_ENTER;
-    QTest::newRow("enter, same as return") << int(Qt::Key_Enter) << 0x0D << KEY_ENTER;
-    QTest::newRow("backspace") << int(Qt::Key_Backspace) << 0x08 << KEY_BACKSPACE;
-    QTest::newRow("delete") << int(Qt::Key_Delete) << 0x2E << KEY_DELETE;
-    QTest::newRow("mute") << int(Qt::Key_VolumeMute) << 0xAD << KEY_MUTE;
-    QTest::newRow("previous track") << int(Qt::Key_MediaPrevious) << 0xB1 << KEY_PREVIOUSSONG;
-    QTest::newRow("play/pause") << int(Qt::Key_MediaTogglePlayPause) << 0xB3 << KEY_PLAYPAUSE;
+    QTest::newRow("comma") << int(Qt::Key_Comma) << 0xBC << LINUX_KEY(KEY_COMMA);
+    QTest::newRow("return") << int(Qt::Key_Return) << 0x0D << LINUX_KEY(KEY_ENTER);
+    QTest::newRow("enter, same as return") << int(Qt::Key_Enter) << 0x0D << LINUX_KEY(KEY_ENTER);
+    QTest::newRow("backspace") << int(Qt::Key_Backspace) << 0x08 << LINUX_KEY(KEY_BACKSPACE);
+    QTest::newRow("delete") << int(Qt::Key_Delete) << 0x2E << LINUX_KEY(KEY_DELETE);
+    QTest::newRow("mute") << int(Qt::Key_VolumeMute) << 0xAD << LINUX_KEY(KEY_MUTE);
+    QTest::newRow("previous track")
+        << int(Qt::Key_MediaPrevious) << 0xB1 << LINUX_KEY(KEY_PREVIOUSSONG);
+    QTest::newRow("play/pause") << int(Qt::Key_MediaTogglePlayPause) << 0xB3
+                                << LINUX_KEY(KEY_PLAYPAUSE);
     // Not injected (0, 0): neighbours of table entries, and codes no key has.
     QTest::newRow("period") << int(Qt::Key_Period) << 0 << 0;
     QTest::newRow("colon after 9") << int(Qt::Key_Colon) << 0 << 0;
@@ -82,7 +92,8 @@ void tst_SenderKeyToSystem::injectedKeys()
     for (const SystemKey &sent : m_recorder->released) {
         QCOMPARE(sent.qtKey, key);
         QCOMPARE(int(sent.windowsKey), windowsKey);
-        QCOMPARE(int(sent.linuxKey), linuxKey);
+        if (linuxKey >= 0)
+            QCOMPARE(int(sent.linuxKey), linuxKey);
     }
 }
 
@@ -90,7 +101,11 @@ void tst_SenderKeyToSystem::oneObjectPerProcess()
 {
     // The platform implementation the instance was made with (saved by init).
     QVERIFY(m_saved);
+#ifdef Q_OS_WIN
+    QCOMPARE(m_saved->metaObject()->className(), "SenderKeyToSystemWindows");
+#else
     QCOMPARE(m_saved->metaObject()->className(), "SenderKeyToSystemLinux");
+#endif
 }
 
 QTEST_GUILESS_MAIN(tst_SenderKeyToSystem)

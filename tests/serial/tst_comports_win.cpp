@@ -58,7 +58,7 @@ void TestComPorts::machineNodesAreAbsent()
 {
     for (const char *node : {"Z:/dev/ttyS0", "Z:/dev/ttyS1", "Z:/dev/ttyUSB0", "Z:/dev/ttyACM0"})
         QVERIFY2(!QFileInfo::exists(QString::fromLatin1(node)), node);
-    QVERIFY(QFileInfo::exists(QStringLiteral("Z:/dev/null")));
+    QVERIFY(QFileInfo::exists(QStringLiteral("Z:/dev")));
 }
 
 void TestComPorts::missingPortFailsWithItsError()

@@ -23,15 +23,28 @@ done
 sleep 3
 windows=()
 while read -r id; do
-    xwininfo -id "$id" | grep -q 'Map State: IsViewable' &&
-        windows+=("$(xwininfo -id "$id" | sed -n 's/^xwininfo: Window id: [^ ]* "\(.*\)"$/\1/p')")
+    xwininfo -id "$id" | grep -q 'Map State: IsViewable' || continue
+    # Wine's own helper windows have no name; every window of the host has one.
+    name="$(xwininfo -id "$id" | sed -n 's/^xwininfo: Window id: [^ ]* "\(.*\)"$/\1/p')"
+    [ -n "$name" ] && windows+=("$name")
 done < <(xwininfo -root -children | sed -n 's/^ *\(0x[0-9a-f]*\) .*/\1/p')
 prefix_dir=$(dirname "$host")
 while [ ! -f "$prefix_dir/CMakeCache.txt" ]; do prefix_dir=$(dirname "$prefix_dir"); done
-"$run" "$prefix_dir/wine/drive_c/windows/system32/taskkill.exe" /IM "$(basename "$host")" \
-    >/dev/null 2>&1 || true
-for _ in $(seq 200); do kill -0 $pid 2>/dev/null || break; sleep 0.1; done
-kill $pid 2>/dev/null && fail "the host did not close"
+# Asked to close first (WM_CLOSE to its windows); ended by force when it does not
+# within 10 s, which is said below.
+closed="closed"
+taskkill() {
+    "$run" "$prefix_dir/wine/drive_c/windows/system32/taskkill.exe" "$@" /IM "$(basename "$host")" \
+        >/dev/null 2>&1 || true
+}
+taskkill
+for _ in $(seq 100); do kill -0 $pid 2>/dev/null || break; sleep 0.1; done
+if kill -0 $pid 2>/dev/null; then
+    closed="ended by force"
+    taskkill /F
+    for _ in $(seq 100); do kill -0 $pid 2>/dev/null || break; sleep 0.1; done
+fi
+kill $pid 2>/dev/null && fail "the host did not end"
 sed -i 's/\r$//' "$out"
 
 grep -q '^plugin *Dialix 0.0.1 (Dialix, class ControlDialix)' "$out" || fail "plug-in not loaded"
@@ -45,4 +58,4 @@ sed -i 's/\r$//' "$out"
 { [ $rc -eq 3 ] && grep -q 'Cannot start the HID library' "$out"; } ||
     { [ $rc -eq 1 ] && grep -q 'No Dialix panel found' "$out"; } ||
     fail "the probe found a panel (exit $rc)"
-echo "host-check: loaded, tabs \"Dialix 1\", no dialog; the probe: $(head -1 "$out")"
+echo "host-check: loaded, tabs \"Dialix 1\", no dialog, $closed; the probe: $(head -1 "$out")"
