@@ -20,14 +20,25 @@ for _ in $(seq 600); do
 done
 # The deferred start (half a second after the settings) is where a failure
 # would show a message box.
+# The named windows on the screen. Wine's own helper windows have no name;
+# every window of the host has one.
+list_windows() {
+    windows=()
+    while read -r id; do
+        xwininfo -id "$id" | grep -q 'Map State: IsViewable' || continue
+        name="$(xwininfo -id "$id" | sed -n 's/^xwininfo: Window id: [^ ]* "\(.*\)"$/\1/p')"
+        [ -n "$name" ] && windows+=("$name")
+    done < <(xwininfo -root -children | sed -n 's/^ *\(0x[0-9a-f]*\) .*/\1/p')
+}
+# Until the host's window is mapped (a new Wine prefix takes its time), then
+# 3 s more for any dialog to come up.
+for _ in $(seq 300); do
+    list_windows
+    [[ " ${windows[*]} " == *"Dialix reference host"* ]] && break
+    sleep 0.1
+done
 sleep 3
-windows=()
-while read -r id; do
-    xwininfo -id "$id" | grep -q 'Map State: IsViewable' || continue
-    # Wine's own helper windows have no name; every window of the host has one.
-    name="$(xwininfo -id "$id" | sed -n 's/^xwininfo: Window id: [^ ]* "\(.*\)"$/\1/p')"
-    [ -n "$name" ] && windows+=("$name")
-done < <(xwininfo -root -children | sed -n 's/^ *\(0x[0-9a-f]*\) .*/\1/p')
+list_windows
 prefix_dir=$(dirname "$host")
 while [ ! -f "$prefix_dir/CMakeCache.txt" ]; do prefix_dir=$(dirname "$prefix_dir"); done
 # Asked to close first (WM_CLOSE to its windows); ended by force when it does not
