@@ -11,6 +11,12 @@ out=$(mktemp)
 trap 'rm -f "$out"' EXIT
 fail() { echo "host-check: $*" >&2; sed 's/^/  | /' "$out" >&2; exit 1; }
 
+prefix_dir=$(dirname "$host")
+while [ ! -f "$prefix_dir/CMakeCache.txt" ]; do prefix_dir=$(dirname "$prefix_dir"); done
+# A Wine session that an earlier test started without this X server would
+# keep the host's windows off it: wait until that session has ended.
+WINEPREFIX="$prefix_dir/wine" wineserver -w 2>/dev/null || true
+
 QT_QPA_PLATFORM=windows "$run" "$host" --plugin "Z:${plugin//\//\\}" >"$out" 2>&1 &
 pid=$!
 for _ in $(seq 600); do
@@ -39,8 +45,6 @@ for _ in $(seq 300); do
 done
 sleep 3
 list_windows
-prefix_dir=$(dirname "$host")
-while [ ! -f "$prefix_dir/CMakeCache.txt" ]; do prefix_dir=$(dirname "$prefix_dir"); done
 # Asked to close first (WM_CLOSE to its windows); ended by force when it does not
 # within 10 s, which is said below.
 closed="closed"
