@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # wine-run.sh PROGRAM.exe [ARGUMENT ...]
 # wine-run.sh --init PREFIX      only make the prefix (and the starter)
+# wine-run.sh --wait PREFIX      wait until the prefix's Wine session has ended
 #
 # Runs a Windows program of this project under Wine. ctest uses it as the
 # emulator of the Windows build (cmake/mingw-w64-toolchain.cmake).
@@ -18,13 +19,14 @@
 set -euo pipefail
 HERE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 
-if [ $# -lt 1 ] || { [ "$1" = "--init" ] && [ $# -ne 2 ]; }; then
-    echo "usage: $0 PROGRAM.exe [ARGUMENT ...] | --init PREFIX" >&2
+if [ $# -lt 1 ] || { [[ "$1" == --init || "$1" == --wait ]] && [ $# -ne 2 ]; }; then
+    echo "usage: $0 PROGRAM.exe [ARGUMENT ...] | --init PREFIX | --wait PREFIX" >&2
     exit 2
 fi
 init_only=false
-if [ "$1" = "--init" ]; then
-    init_only=true
+wait_only=false
+if [ "$1" = "--init" ] || [ "$1" = "--wait" ]; then
+    [ "$1" = "--init" ] && init_only=true || wait_only=true
     prefix="$(readlink -m "$2")"
 else
     program="$(readlink -f "$1")"
@@ -55,6 +57,12 @@ export WINEARCH=win64
 sandbox() {
     bwrap --dev-bind / / --dev /dev --die-with-parent -- "$@"
 }
+
+if $wait_only; then
+    # wineserver -w starts a server when none runs: it too stays in the sandbox.
+    [ -f "$prefix/system.reg" ] && sandbox wineserver -w
+    exit 0
+fi
 
 starter="$prefix/dialix-winenv.exe"
 if [ ! -f "$prefix/system.reg" ] || [ ! -f "$starter" ] || [ "$HERE/winenv.c" -nt "$starter" ]; then

@@ -15,7 +15,7 @@ prefix_dir=$(dirname "$host")
 while [ ! -f "$prefix_dir/CMakeCache.txt" ]; do prefix_dir=$(dirname "$prefix_dir"); done
 # A Wine session that an earlier test started without this X server would
 # keep the host's windows off it: wait until that session has ended.
-WINEPREFIX="$prefix_dir/wine" wineserver -w 2>/dev/null || true
+"$run" --wait "$prefix_dir/wine" || true
 
 QT_QPA_PLATFORM=windows "$run" "$host" --plugin "Z:${plugin//\//\\}" >"$out" 2>&1 &
 pid=$!
