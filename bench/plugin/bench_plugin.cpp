@@ -628,7 +628,9 @@ void vfoSpin(Host &host, int panel, const StreamCpu &floor, double seconds, bool
         "busiest sliding 1 s window (Qt's coarse timers may fire a tick up to 5 % early)", -1, 100);
     add("vfo_last_move_delay", lastArrived ? double(host.lastNs[CmdVfo] - lastSent) / 1e6 : -1,
         "ms", lastArrived ? QString() : QStringLiteral("LAST MOVEMENT STRANDED"), -1, 20);
-    addCpu("vfo_spin_cpu", cpu, floor, 3);
+    // Each report carries one movement, which crosses to the GUI thread as one
+    // queued signal: the floor is the same hand-over, report for report.
+    addCpu("vfo_spin_cpu", cpu, floor, 1.2 * floor.plugin());
 }
 
 // CPU of the idle plug-in and, beside it, of a bare thread waking every 5 ms

@@ -8,6 +8,8 @@
 #include "plugins/panels/dialix/source/dialixcontrol.h"
 #include "tests/support/dialixtestaccess.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QMap>
 #include <QPushButton>
 #include <QStringList>
@@ -128,13 +130,22 @@ struct Rig
         return ctrl.optionsWidget()->findChild<QPushButton *>(name);
     }
 
+    // A panel event as the reader thread raises it: the device's signal, then
+    // the controller's slot, which runs queued.
+    template<typename... Params, typename... Args>
+    void event(void (Dialix::*signal)(Params...), Args... args)
+    {
+        (ctrl.panel().*signal)(Params(args)...);
+        QCoreApplication::sendPostedEvents(&ctrl, QEvent::MetaCall);
+    }
+
     // Function key n (1 .. 17) through the device's signals.
     void press(int n, bool down)
     {
         if (n <= 14)
-            emit ctrl.panel().button(Dialix::Buttons(n), down);
+            event(&Dialix::button, Dialix::Buttons(n), down);
         else
-            emit ctrl.panel().dialButton(Dialix::DialButtons(Dialix::KeyEnc1 + n - 15), down);
+            event(&Dialix::dialButton, Dialix::DialButtons(Dialix::KeyEnc1 + n - 15), down);
     }
 
     RecordingCwKey cwKey;

@@ -259,8 +259,8 @@ private slots:
     {
         Rig rig;
         QVERIFY(rig.ctrl.assignButtonFunction(15, 1));
-        emit rig.ctrl.panel().button(Dialix::Key0, true);
-        emit rig.ctrl.panel().dialButton(Dialix::KeyEnc0, true);
+        rig.event(&Dialix::button, Dialix::Key0, true);
+        rig.event(&Dialix::dialButton, Dialix::KeyEnc0, true);
         QCOMPARE(rig.sent, QStringList());
     }
 
@@ -299,7 +299,7 @@ private slots:
                 QVERIFY(QMetaObject::invokeMethod(&rig.ctrl, slot.constData(), Q_ARG(int, -3)));
             } else {
                 QVERIFY(rig.ctrl.assignDialFunction(j, id));
-                emit rig.ctrl.panel().dial(Dialix::Dials(j), -3);
+                rig.event(&Dialix::dial, Dialix::Dials(j), -3);
             }
             QCOMPARE(rig.sent, expected.messages);
             QCOMPARE(rig.manager.calls, expected.calls);
@@ -312,10 +312,10 @@ private slots:
     {
         Rig rig;
         DialixOptions *page = rig.ctrl.optionsWidget();
-        emit rig.ctrl.panel().dial(Dialix::Enc3, 1);
+        rig.event(&Dialix::dial, Dialix::Enc3, 1);
         QVERIFY(page->isDialLit(3) && !page->isDialLit(2));
         QTRY_VERIFY_WITH_TIMEOUT(!page->isDialLit(3), 5000);
-        emit rig.ctrl.panel().dialButton(Dialix::KeyEnc2, true);
+        rig.event(&Dialix::dialButton, Dialix::KeyEnc2, true);
         QVERIFY(page->isKeyLit(16));
         QCOMPARE(rig.sent, QStringList());
     }
@@ -361,8 +361,8 @@ private slots:
         rig.manager.rits[1] = setup[2] == 'R';
         rig.manager.xits[1] = setup[3] == 'X';
         rig.manager.locks[1] = setup[4] == 'L';
-        emit rig.ctrl.panel().dial(Dialix::Enc0, 1);
-        emit rig.ctrl.panel().dial(Dialix::Enc0, 2);
+        rig.event(&Dialix::dial, Dialix::Enc0, 1);
+        rig.event(&Dialix::dial, Dialix::Enc0, 2);
         QTRY_COMPARE_WITH_TIMEOUT(rig.sent, expected, 5000);
         QTest::qWait(60);
         QCOMPARE(rig.sent, expected);

@@ -376,9 +376,9 @@ private slots:
         if (!cwKeyObject)
             rig.manager.setCwKeyControl(nullptr);
         rig.ui()->cbPttTransfer->setCurrentIndex(mode);
-        emit rig.ctrl.panel().ptt(true);
+        rig.event(&Dialix::ptt, true);
         rig.ui()->cbPttTransfer->setCurrentIndex(modeAtRelease);
-        emit rig.ctrl.panel().ptt(false);
+        rig.event(&Dialix::ptt, false);
         QCOMPARE(rig.cwKey.calls, cwKey);
         QCOMPARE(rig.manager.calls, manager);
     }
@@ -406,17 +406,17 @@ private slots:
         QVERIFY(rig.ui()->chbEnableComPort->isChecked());
         QCOMPARE(pty.lines() & ModemLines::Output, 0);
 
-        emit rig.ctrl.panel().ptt(true);
+        rig.event(&Dialix::ptt, true);
         const int lines = (dtr ? ModemLines::Dtr : 0) | (rts ? ModemLines::Rts : 0);
         QCOMPARE(ModemLines::describe(pty.lines() & ModemLines::Output),
                  ModemLines::describe(lines));
-        emit rig.ctrl.panel().ptt(false);
+        rig.event(&Dialix::ptt, false);
         QCOMPARE(pty.lines() & ModemLines::Output, 0);
         QCOMPARE(rig.cwKey.calls, QStringList());
         QCOMPARE(rig.manager.calls, QStringList());
 
         rig.ui()->chbEnableComPort->setChecked(false);
-        emit rig.ctrl.panel().ptt(true);
+        rig.event(&Dialix::ptt, true);
         QCOMPARE(rig.cwKey.calls, QStringList {"setTrx(1,1,true)"});
     }
 

@@ -1,11 +1,9 @@
-# The panel device: HID protocol, reader thread and the hand-over of its events.
+# The panel device: HID protocol, reader thread and the signals of its events.
 # It is compiled against hidapi's header only; whoever links it picks the functions: the real
 # libhidapi-hidraw (dialix_hidapi_real) for the plug-in, or the virtual panel
 # (dialix_virtualpanel) for tests, benchmarks and the demo host.
 add_library(dialix_device STATIC
     ${CMAKE_CURRENT_LIST_DIR}/source/panelprotocol.h
-    ${CMAKE_CURRENT_LIST_DIR}/source/paneleventqueue.h
-    ${CMAKE_CURRENT_LIST_DIR}/source/paneleventqueue.cpp
     ${CMAKE_CURRENT_LIST_DIR}/source/dialix.h
     ${CMAKE_CURRENT_LIST_DIR}/source/dialix.cpp)
 target_link_libraries(dialix_device PUBLIC Qt5::Core dialix_hidapi_headers PRIVATE dialix_interfaces)

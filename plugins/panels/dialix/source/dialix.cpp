@@ -148,10 +148,10 @@ void Dialix::processReport(const unsigned char *data, int length)
         return;
     const Events events = decode(data, previousSwitches);
     previousSwitches = events.switches;
-    handOver.add(events);
+    for (const Event &event : events)
+        emitEvent(event);
 }
 
-// On the owner's thread, one event at a time (see PanelEventQueue).
 void Dialix::emitEvent(const Event &event)
 {
     const bool state = event.value != 0;

@@ -2,7 +2,6 @@
 
 // Dialix, the panel device: one USB control panel seen through hidapi.
 
-#include "plugins/panels/dialix/source/paneleventqueue.h"
 #include "plugins/panels/dialix/source/panelprotocol.h"
 
 #include <QByteArray>
@@ -13,7 +12,6 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <functional>
 #include <mutex>
 
 #include <hidapi.h>
@@ -24,12 +22,12 @@
 // The object lives on its owner's (GUI) thread. findDevices(), openDevice(),
 // setLed() and closeDevice() are called there. While the panel is open, the
 // object's own thread (run()) does every read and write of the HID handle: it
-// writes the queued LED reports and reads the 17-byte input reports. Each
-// report's events cross to the owner's thread in one batch (PanelEventQueue),
-// where the object emits one signal per switch edge and per dial movement, in
-// the report's order: the owner's slots run as plain calls on its own thread.
-// The three enumerations are registered meta-types ("Dialix::Buttons",
-// "Dialix::DialButtons", "Dialix::Dials") for receivers on yet another thread.
+// writes the queued LED reports and reads the 17-byte input reports, and emits
+// there one signal per switch edge and per dial movement, in the report's
+// order. Receivers on the owner's thread connect to them with queued
+// connections, so their slots run on their own thread in that same order; the
+// three enumerations are registered meta-types ("Dialix::Buttons",
+// "Dialix::DialButtons", "Dialix::Dials") for that.
 //
 // The reports' layout and their decoding are in panelprotocol.h.
 class Dialix : public QThread
@@ -121,25 +119,11 @@ public:
     qint32 closeDevice();
 
     // Decodes one read of `length` bytes against the previous switch word
-    // (dialix::protocol::decode) and hands its events over to the owner's
-    // thread, which emits them in their order: at once when this is that
-    // thread. Only a read of exactly ReportSize bytes is decoded; anything else
-    // is ignored. The reader thread calls it for every read; while the panel is
-    // closed it may be called on any one thread.
+    // (dialix::protocol::decode) and emits its events, in their order, on the
+    // calling thread. Only a read of exactly ReportSize bytes is decoded;
+    // anything else is ignored. The reader thread calls it for every read;
+    // while the panel is closed it may be called on any one thread.
     void processReport(const unsigned char *data, int length);
-
-    // Emits the events handed over so far (owner's thread). Posted wake-ups
-    // call it by themselves.
-    void deliverEvents() { handOver.deliver(); }
-
-    // Movements of `dial` wake the owner's thread only while `waits` (asked
-    // on that thread after each delivery) is false; while it is true, the
-    // owner promises a deliverEvents() soon (the VFO coalescer's next tick).
-    // Set it while the panel is closed.
-    void setLazyDial(Dials dial, std::function<bool()> waits)
-    {
-        handOver.setLazyDial(dial, std::move(waits));
-    }
 
     // True from a successful openDevice() until closeDevice().
     bool isOpen() const { return running.load(); }
@@ -178,9 +162,6 @@ private:
     unsigned char inputBuffer[dialix::protocol::ReportSize] = {};
     unsigned char ledReport[dialix::protocol::LedReportSize] = {};
     QQueue<QByteArray> writeQueue;
-    PanelEventQueue handOver {[this](const dialix::protocol::Event &event) {
-        emitEvent(event);
-    }};
     std::mutex queueMutex;
     std::condition_variable queueCondition;
 };

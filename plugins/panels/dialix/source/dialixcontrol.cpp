@@ -65,16 +65,14 @@ DialixControl::DialixControl(QObject *parent)
     device.findDevices();
 
     connect(options, &DialixOptions::enableToggled, this, &DialixControl::open);
-    connect(&device, &Dialix::button, this, &DialixControl::onButton);
-    connect(&device, &Dialix::dialButton, this, &DialixControl::onDialButton);
-    connect(&device, &Dialix::dial, this, &DialixControl::onDial);
-    connect(&device, &Dialix::ptt, this, &DialixControl::onPtt);
-    connect(&device, &Dialix::dash, this, &DialixControl::KeyDash);
-    connect(&device, &Dialix::dot, this, &DialixControl::KeyDot);
-    // VFO movements need not wake this thread while the coalescer ticks: each
-    // tick takes the movements handed over so far before it looks for a value.
-    device.setLazyDial(Dialix::Enc0, [this] { return valueTimeout.isPending(); });
-    connect(&valueTimeout, &ValueTimeout::aboutToTick, &device, &Dialix::deliverEvents);
+    // The panel's signals come from its reader thread: queued, its slots run
+    // here in the order the panel reported the events.
+    connect(&device, &Dialix::button, this, &DialixControl::onButton, Qt::QueuedConnection);
+    connect(&device, &Dialix::dialButton, this, &DialixControl::onDialButton, Qt::QueuedConnection);
+    connect(&device, &Dialix::dial, this, &DialixControl::onDial, Qt::QueuedConnection);
+    connect(&device, &Dialix::ptt, this, &DialixControl::onPtt, Qt::QueuedConnection);
+    connect(&device, &Dialix::dash, this, &DialixControl::KeyDash, Qt::QueuedConnection);
+    connect(&device, &Dialix::dot, this, &DialixControl::KeyDot, Qt::QueuedConnection);
     connect(options, &DialixOptions::setLedKey, this, &DialixControl::onLedButtons);
     connect(options, &DialixOptions::setLedEncoder, this, &DialixControl::onLedEncoder);
     connect(options, &DialixOptions::vfoBToggled, this, &DialixControl::onVfoB);

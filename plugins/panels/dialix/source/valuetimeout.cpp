@@ -54,7 +54,6 @@ void ValueTimeout::timerEvent(QTimerEvent *event)
         QObject::timerEvent(event);
         return;
     }
-    emit aboutToTick();
     if (!changed) {
         // Nothing came since the last tick: rest until a value does.
         aligning = false;

@@ -37,9 +37,6 @@ public:
 
 signals:
     void valueChanged(QVariant value);
-    // At the start of every tick, before the pending value is looked at: a
-    // value set from here is emitted on this tick.
-    void aboutToTick();
 
 public slots:
     void setValue(QVariant val);
