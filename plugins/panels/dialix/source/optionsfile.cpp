@@ -9,15 +9,10 @@
 
 namespace {
 
-// As Qt's own INI format on each system: Windows' line ends, and keys whose
-// case does not count there. QSettings shares one parsed copy of a file among
-// all its formats, so the case rule must be the one of the INI format.
 #ifdef Q_OS_WIN
 const QByteArray LineEnd = QByteArrayLiteral("\r\n");
-constexpr Qt::CaseSensitivity KeyCase = Qt::CaseInsensitive;
 #else
 const QByteArray LineEnd = QByteArrayLiteral("\n");
-constexpr Qt::CaseSensitivity KeyCase = Qt::CaseSensitive;
 #endif
 
 const char HexDigits[] = "0123456789ABCDEF";
@@ -408,8 +403,8 @@ namespace dialix {
 
 QSettings::Format optionsFileFormat()
 {
-    static const QSettings::Format format = QSettings::registerFormat(
-        QStringLiteral("ini"), readOptionsFile, writeOptionsFile, KeyCase);
+    static const QSettings::Format format =
+        QSettings::registerFormat(QStringLiteral("ini"), readOptionsFile, writeOptionsFile);
     return format;
 }
 
