@@ -69,9 +69,9 @@ void tst_ComPortPtt::linesFollowPtt()
     QVERIFY(ui->chbEnableComPort->isChecked());
     QCOMPARE(lines(), 0);
 
-    emit rig.ctrl.panel().ptt(true);
+    rig.event(&Dialix::ptt, true);
     QCOMPARE(lines(), (dtr ? Dtr : 0) | (rts ? Rts : 0));
-    emit rig.ctrl.panel().ptt(false);
+    rig.event(&Dialix::ptt, false);
     QCOMPARE(lines(), 0);
     ui->chbEnableComPort->setChecked(false);
     QCOMPARE(lines(), 0);
