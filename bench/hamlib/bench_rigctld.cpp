@@ -13,6 +13,7 @@
 //    the one set in flight) and to rigctld's answer to it.
 
 #include "bench/measure.h"
+#include "bench/pluginload.h"
 #include "command/commandtable.h"
 #include "tools/host/hamlibradio.h"
 #include "tools/host/radiomodel.h"
@@ -121,12 +122,9 @@ int main(int argc, char *argv[])
     QWidget window;
     auto *layout = new QVBoxLayout(&window);
     QPluginLoader loader(QStringLiteral(DIALIX_VIRTUAL_PLUGIN));
-    auto *plugin = qobject_cast<DialixAbstract *>(loader.instance());
-    if (!plugin) {
-        std::fprintf(stderr, "cannot load the plug-in: %s\n", qPrintable(loader.errorString()));
+    DialixAbstract *plugin = measure::loadPlugin(loader, layout);
+    if (!plugin)
         return 1;
-    }
-    plugin->addWidget(layout);
     // Step i is the i-th panelVFO message; it asks for stepTarget[i].
     std::vector<qint64> stepAt, stepTarget;
     qint64 total = 0;

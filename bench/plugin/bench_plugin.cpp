@@ -26,6 +26,7 @@
 // BENCH_SCALE (default 1) scales the measuring times; BENCH_PHASES picks phases.
 
 #include "bench/measure.h"
+#include "bench/pluginload.h"
 #include "command/commandtable.h"
 #include "interfaces/dialixabstract.h"
 #include "tools/host/radiomodel.h"
@@ -918,12 +919,9 @@ int main(int argc, char **argv)
     const long rssBefore = residentKb();
     const auto loadStart = Clock::now();
     QPluginLoader loader(QStringLiteral(DIALIX_VIRTUAL_PLUGIN));
-    auto *plugin = qobject_cast<DialixAbstract *>(loader.instance());
-    if (!plugin) {
-        std::fprintf(stderr, "cannot load the plug-in: %s\n", qPrintable(loader.errorString()));
+    DialixAbstract *plugin = measure::loadPlugin(loader, layout);
+    if (!plugin)
         return 1;
-    }
-    plugin->addWidget(layout);
     window.show();
     QTabWidget *tabs = window.findChild<QTabWidget *>();
     while (!tabs || tabs->count() == 0 || !tabs->currentWidget()
